@@ -1,0 +1,47 @@
+#pragma once
+
+#include <atomic>
+
+#include <velmara/Mutex.h>
+
+namespace Velmara {
+
+/// Base of a class of which the process has one object, built at first use and never destroyed:
+/// `class Table : public Singleton<Table>`.
+///
+/// Safe from any thread; once the object stands, a call costs one load.
+template <class T> class VELMARA_EXPORT Singleton {
+public:
+    virtual ~Singleton() = default;
+
+    /// The object. If the constructor of T throws, the exception travels to the caller and the next
+    /// call tries again.
+    static T& instance()
+    {
+        T* found = s_instance.load(std::memory_order_acquire);
+        return found ? *found : create();
+    }
+
+protected:
+    Singleton() = default;
+
+private:
+    static T& create()
+    {
+        Synchronized guard(s_mutex);
+        T* found = s_instance.load(std::memory_order_relaxed);
+        if (!found) {
+            found = new T;
+            s_instance.store(found, std::memory_order_release);
+        }
+        return *found;
+    }
+
+    static std::atomic<T*> s_instance; // null until the first instance() has finished
+    static Mutex s_mutex;              // guards creation
+};
+
+template <class T> std::atomic<T*> Singleton<T>::s_instance{nullptr};
+template <class T> Mutex Singleton<T>::s_mutex;
+
+} // namespace Velmara

@@ -1,0 +1,7 @@
+#include <velmara/VmaraRefcounted.h>
+
+namespace Velmara {
+
+RefImpl::~RefImpl() = default;
+
+} // namespace Velmara
