@@ -1,0 +1,33 @@
+#pragma once
+
+#include <functional>
+#include <string>
+#include <vector>
+
+#include <velmara/MediaIn.h>
+
+namespace VelmaraCommand {
+
+/// A file of the command line as a stream; "-" is standard input.
+class Input {
+public:
+    /// Throws Velmara::Exception if the file cannot be read.
+    explicit Input(std::string const& path);
+
+    Velmara::MediaIn& media() { return m_media; }
+    std::string const& name() const { return m_name; }
+
+private:
+    std::string m_name;       // as people should see it
+    std::string m_standardIn; // its bytes, for it may be a pipe and the parser goes back and forth
+    Velmara::MediaIn m_media;
+};
+
+/// Does `work` with each file in order. A file that cannot be read gets one line on standard error that
+/// names it and the reason, and the others are still done. Gives the highest status.
+int forEachInput(std::vector<std::string> const& paths, std::function<int(Input&)> const& work);
+
+/// One line on standard error: "velmara: PLACE: REASON".
+void complain(std::string const& place, std::string const& reason);
+
+} // namespace VelmaraCommand

@@ -1,0 +1,19 @@
+#pragma once
+
+#include <functional>
+
+#include <CLI/CLI.hpp>
+
+namespace VelmaraCommand {
+
+/// Exit statuses. A broken mail alone is never an error.
+enum Status { Done = 0, DoneWithFindings = 1, WrongUseOrUnreadable = 2 };
+
+/// What a verb does once its arguments are known; gives the exit status.
+using Action = std::function<int()>;
+
+/// Adds one verb with its options to the command line. When the verb is called, it leaves what is to
+/// be done in the action. Each stands in a file of its own, named after the verb.
+using AddVerb = void (*)(CLI::App& commandLine, Action& action);
+
+} // namespace VelmaraCommand
