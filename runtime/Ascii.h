@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <string_view>
 
 /// The meanings of "space", "digit" and "same letter" that mail knows, each named once. None depends
 /// on the locale: two installations must read a message alike.
@@ -58,6 +59,15 @@ constexpr int hexValue(unsigned char c)
 constexpr bool isHexDigit(unsigned char c)
 {
     return hexValue(c) >= 0;
+}
+
+/// Equal without regard to ASCII case; a NUL is a byte like others.
+constexpr bool sameNoCase(std::string_view a, std::string_view b)
+{
+    if (a.size() != b.size()) return false;
+    for (size_t i = 0; i < a.size(); ++i)
+        if (toLower(static_cast<unsigned char>(a[i])) != toLower(static_cast<unsigned char>(b[i]))) return false;
+    return true;
 }
 
 } // namespace Velmara

@@ -24,14 +24,6 @@ std::string_view _view(std::string const& text)
     return text;
 }
 
-bool _sameNoCase(std::string_view a, std::string_view b)
-{
-    if (a.size() != b.size()) return false;
-    for (size_t i = 0; i < a.size(); ++i)
-        if (toLower(static_cast<unsigned char>(a[i])) != toLower(static_cast<unsigned char>(b[i]))) return false;
-    return true;
-}
-
 /// What a comparison of at most `n` bytes looks at: strncasecmp stops at a NUL.
 std::string_view _beginning(std::string_view text, unsigned int n)
 {
@@ -40,8 +32,8 @@ std::string_view _beginning(std::string_view text, unsigned int n)
 
 template <class A, class B> bool _compare(A const& a, B const& b, unsigned int n)
 {
-    if (n == 0) return _sameNoCase(_view(a), _view(b));
-    return _sameNoCase(_beginning(_view(a), n), _beginning(_view(b), n));
+    if (n == 0) return sameNoCase(_view(a), _view(b));
+    return sameNoCase(_beginning(_view(a), n), _beginning(_view(b), n));
 }
 
 } // namespace
