@@ -3,16 +3,21 @@
 /// All public headers at once.
 
 #include <velmara/Buffer.h>
+#include <velmara/ContentType.h>
 #include <velmara/Exception.h>
 #include <velmara/Export.h>
+#include <velmara/Header.h>
+#include <velmara/HeaderContainer.h>
 #include <velmara/Logger.h>
 #include <velmara/Md5Hasher.h>
 #include <velmara/MediaIn.h>
 #include <velmara/MediaOut.h>
 #include <velmara/Mutex.h>
+#include <velmara/RefHeaderList.h>
 #include <velmara/Regex.h>
 #include <velmara/Singleton.h>
 #include <velmara/StringOperations.h>
 #include <velmara/StringPattern.h>
 #include <velmara/TypeAndValue.h>
+#include <velmara/TypedHeader.h>
 #include <velmara/VmaraRefcounted.h>
