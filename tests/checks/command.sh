@@ -1,0 +1,62 @@
+#!/usr/bin/env bash
+# What people and scripts rely on in the command: exit statuses, complaints, JSON, no surprises on a pipe.
+set -u
+cd "$(dirname "${BASH_SOURCE[0]}")/../.."
+velmara=$PWD/build/release/bin/velmara
+failed=0
+work=$(mktemp -d)
+trap 'rm -rf "$work"' EXIT
+
+# expect WHAT STATUS COMMAND...: runs it, keeps its output in $work/out and $work/err.
+expect() {
+    local what=$1 status=$2 got=0
+    shift 2
+    "$@" >"$work/out" 2>"$work/err" </dev/null || got=$?
+    [ "$got" -eq "$status" ] || { echo "$what: status $got, not $status" >&2; cat "$work/err" >&2; failed=1; }
+}
+holds() {
+    grep -qF -- "$2" "$work/$1" || { echo "$3: \"$2\" is not in the output" >&2; cat "$work/$1" >&2; failed=1; }
+}
+silent() {
+    [ ! -s "$work/$1" ] || { echo "$2: something was written to $1" >&2; cat "$work/$1" >&2; failed=1; }
+}
+
+expect "no verb" 2 "$velmara"
+expect "a wrong verb" 2 "$velmara" nonsense
+expect "no file" 2 "$velmara" tree
+expect "help" 0 "$velmara" --help
+expect "help of a verb" 0 "$velmara" tree --help
+holds out "Example:" "help of a verb"
+expect "version" 0 "$velmara" --version
+
+expect "a missing file" 2 "$velmara" tree /nowhere/a.eml samples/bounce.eml
+holds err "velmara: /nowhere/a.eml: No such file or directory" "a missing file"
+holds out "multipart/report" "the file behind a missing one"
+expect "a directory" 2 "$velmara" tree samples
+holds err "velmara: samples: Is a directory" "a directory"
+expect "a broken mail" 0 "$velmara" tree samples/broken.eml
+silent err "a broken mail"
+
+for sample in samples/*.eml; do
+    expect "json of $sample" 0 "$velmara" tree --json --headers "$sample"
+    python3 -c 'import json,sys; json.loads(sys.stdin.buffer.read().decode("utf-8"))' <"$work/out" ||
+        { echo "json of $sample does not parse" >&2; failed=1; }
+done
+expect "json" 0 "$velmara" tree --json samples/*.eml
+[ "$(wc -l <"$work/out")" -eq "$(find samples -name '*.eml' | wc -l)" ] || { echo "json: not one line a message" >&2; failed=1; }
+
+"$velmara" tree - <samples/forwards.eml >"$work/piped" 2>&1
+"$velmara" tree samples/forwards.eml >"$work/file" 2>&1
+cmp -s "$work/piped" "$work/file" || { echo "standard input reads otherwise than the file" >&2; failed=1; }
+
+printf 'Subject: \033[31mred\r\nX: \xff\r\n\r\n' >"$work/escape.eml"
+expect "control characters" 0 "$velmara" tree --headers "$work/escape.eml"
+holds out 'Subject: \x1B[31mred' "control characters"
+holds out 'X: \xFF' "bytes that are no UTF-8"
+
+: >"$work/empty.eml"
+expect "an empty file" 0 "$velmara" tree "$work/empty.eml"
+"$velmara" tree samples/newsletter.eml >/dev/full 2>"$work/err" && { echo "a full disk: status 0" >&2; failed=1; }
+holds err "standard output" "a full disk"
+
+exit $failed
