@@ -2,7 +2,9 @@
 
 /// All public headers at once.
 
+#include <velmara/ActionNames.h>
 #include <velmara/Buffer.h>
+#include <velmara/ClassifierNames.h>
 #include <velmara/ContentType.h>
 #include <velmara/Exception.h>
 #include <velmara/Export.h>
@@ -16,6 +18,7 @@
 #include <velmara/RefHeaderList.h>
 #include <velmara/Regex.h>
 #include <velmara/Singleton.h>
+#include <velmara/SmtpResponse.h>
 #include <velmara/StringOperations.h>
 #include <velmara/StringPattern.h>
 #include <velmara/TypeAndValue.h>
