@@ -8,6 +8,7 @@
 #include <velmara/ContentType.h>
 #include <velmara/Exception.h>
 #include <velmara/Export.h>
+#include <velmara/FontSize.h>
 #include <velmara/Header.h>
 #include <velmara/HeaderContainer.h>
 #include <velmara/Logger.h>
@@ -17,6 +18,7 @@
 #include <velmara/Mutex.h>
 #include <velmara/RefHeaderList.h>
 #include <velmara/Regex.h>
+#include <velmara/RgbColour.h>
 #include <velmara/Singleton.h>
 #include <velmara/SmtpResponse.h>
 #include <velmara/StringOperations.h>
