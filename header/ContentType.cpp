@@ -228,14 +228,6 @@ std::string const& ContentTypeImpl::boundary() const
     return m_boundary;
 }
 
-ContentType::ContentType() = default;
-
-ContentType::ContentType(std::string const& value) : TypedHeader(value)
-{}
-
-ContentType::ContentType(Header const& other) : TypedHeader(other)
-{}
-
 ContentType::MediaType ContentType::mediatype() const
 {
     if (isNull()) throw HeaderException(__LINE__);

@@ -87,11 +87,11 @@ public:
     static std::string const htype;
 
     /// A null handle.
-    ContentType();
+    ContentType() = default;
     /// An empty value leaves the handle null.
-    ContentType(std::string const& value);
+    ContentType(std::string const& value) : TypedHeader(value) {}
     /// A null header leaves the handle null; one of another name throws Exception "assign" (code 2).
-    ContentType(Header const& other);
+    ContentType(Header const& other) : TypedHeader(other) {}
     using TypedHeader::operator=;
 
     /// 0 for a type without a number; mediatypeAsString() still tells what stood there.

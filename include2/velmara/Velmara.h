@@ -5,6 +5,8 @@
 #include <velmara/ActionNames.h>
 #include <velmara/Buffer.h>
 #include <velmara/ClassifierNames.h>
+#include <velmara/ContentDisposition.h>
+#include <velmara/ContentEncoding.h>
 #include <velmara/ContentType.h>
 #include <velmara/Exception.h>
 #include <velmara/Export.h>
@@ -15,6 +17,7 @@
 #include <velmara/Md5Hasher.h>
 #include <velmara/MediaIn.h>
 #include <velmara/MediaOut.h>
+#include <velmara/MimeVersion.h>
 #include <velmara/Mutex.h>
 #include <velmara/RefHeaderList.h>
 #include <velmara/Regex.h>

@@ -6,19 +6,10 @@
 
 #include <velmara/Exception.h>
 
+#include "support/HeaderText.h"
+
 namespace Velmara {
 namespace {
-
-/// The parameters as "name=value|name=value".
-std::string parametersOf(ContentType const& type)
-{
-    std::string text;
-    for (TypeAndValue const& parameter : type.parameters()) {
-        if (!text.empty()) text += '|';
-        text += parameter.type() + '=' + parameter.value();
-    }
-    return text;
-}
 
 struct Row {
     char const* rule;

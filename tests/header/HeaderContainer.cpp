@@ -5,19 +5,10 @@
 #include <velmara/ContentType.h>
 #include <velmara/Exception.h>
 
+#include "support/HeaderText.h"
+
 namespace Velmara {
 namespace {
-
-/// The headers as "name[value] name[value]".
-std::string shown(std::list<Header> const& headers)
-{
-    std::string text;
-    for (Header const& header : headers) {
-        if (!text.empty()) text += ' ';
-        text += header.type() + '[' + header.value() + ']';
-    }
-    return text;
-}
 
 HeaderContainer read(std::string const& block)
 {
