@@ -13,6 +13,8 @@
 #include <velmara/FontSize.h>
 #include <velmara/Header.h>
 #include <velmara/HeaderContainer.h>
+#include <velmara/HostName.h>
+#include <velmara/IPAddress.h>
 #include <velmara/Logger.h>
 #include <velmara/Md5Hasher.h>
 #include <velmara/MediaIn.h>
