@@ -24,16 +24,27 @@ std::string_view _view(std::string const& text)
     return text;
 }
 
-/// What a comparison of at most `n` bytes looks at: strncasecmp stops at a NUL.
-std::string_view _beginning(std::string_view text, unsigned int n)
+/// What a comparison of at most `n` bytes looks at: strncasecmp stops at a NUL, and a pointer need not
+/// lead to one within or behind these bytes.
+std::string_view _beginning(char const* text, unsigned int n)
 {
-    return text.substr(0, std::min<size_t>(text.substr(0, n).find('\0'), n));
+    return text ? std::string_view(text, strnlen(text, n)) : std::string_view();
+}
+
+std::string_view _beginning(unsigned char const* text, unsigned int n)
+{
+    return _beginning(reinterpret_cast<char const*>(text), n);
+}
+
+std::string_view _beginning(std::string const& text, unsigned int n)
+{
+    return _beginning(text.c_str(), n);
 }
 
 template <class A, class B> bool _compare(A const& a, B const& b, unsigned int n)
 {
     if (n == 0) return sameNoCase(_view(a), _view(b));
-    return sameNoCase(_beginning(_view(a), n), _beginning(_view(b), n));
+    return sameNoCase(_beginning(a, n), _beginning(b, n));
 }
 
 } // namespace

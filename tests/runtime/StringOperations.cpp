@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <clocale>
+#include <memory>
 
 namespace Velmara {
 namespace {
@@ -21,6 +22,15 @@ TEST(StringOperations, ComparesTheFirstBytesLikeStrncasecmp)
     EXPECT_FALSE(stringCompareNoCase("beg", "begin", 4));
     EXPECT_TRUE(stringCompareNoCase("beg", "BEG", 40));
     EXPECT_TRUE(stringCompareNoCase(std::string("ab\0c", 4), std::string("ab\0d", 4), 4));
+}
+
+TEST(StringOperations, ComparingTheFirstBytesLooksAtNoMore)
+{
+    // On the heap, where a sanitizer sees a step behind the end.
+    std::unique_ptr<char[]> const bytes(new char[4]{'E', 'n', 'd', 's'});
+    EXPECT_TRUE(stringCompareNoCase(bytes.get(), "ENDS", 4));
+    EXPECT_TRUE(stringCompareNoCase(reinterpret_cast<unsigned char const*>(bytes.get()), "end", 3));
+    EXPECT_FALSE(stringCompareNoCase(bytes.get(), std::string("ENDx"), 4));
 }
 
 TEST(StringOperations, WholeStringsCompareBehindANulToo)
