@@ -5,6 +5,8 @@
 #include <velmara/ActionNames.h>
 #include <velmara/Buffer.h>
 #include <velmara/ClassifierNames.h>
+#include <velmara/CodecBase64.h>
+#include <velmara/CodecQuotedPrintable.h>
 #include <velmara/ContentDisposition.h>
 #include <velmara/ContentEncoding.h>
 #include <velmara/ContentType.h>
