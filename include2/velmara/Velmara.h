@@ -6,7 +6,9 @@
 #include <velmara/Buffer.h>
 #include <velmara/ClassifierNames.h>
 #include <velmara/CodecBase64.h>
+#include <velmara/CodecBinHex40.h>
 #include <velmara/CodecQuotedPrintable.h>
+#include <velmara/CodecUUEncode.h>
 #include <velmara/ContentDisposition.h>
 #include <velmara/ContentEncoding.h>
 #include <velmara/ContentType.h>
