@@ -109,9 +109,12 @@ struct CategoryRow {
 };
 
 constexpr CategoryRow _categories[] = {
-    {Names::CategoryClean, "Clean"}, {Names::CategorySession, "Clean"}, // reports show session measures as clean mail,
-                                                                        // and filters count them as spam
-    {Names::CategoryBulk, "Bulk"},   {Names::CategoryVirus, "Virus"},   {Names::CategoryContent, "Content"},
+    {Names::CategoryClean, "Clean"},
+    {Names::CategorySession, "Clean"}, // reports show session measures as clean mail,
+                                       // and filters count them as spam
+    {Names::CategoryBulk, "Bulk"},
+    {Names::CategoryVirus, "Virus"},
+    {Names::CategoryContent, "Content"},
 };
 
 } // namespace

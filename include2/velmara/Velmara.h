@@ -29,6 +29,7 @@
 #include <velmara/Regex.h>
 #include <velmara/RgbColour.h>
 #include <velmara/Singleton.h>
+#include <velmara/SmtpClient.h>
 #include <velmara/SmtpResponse.h>
 #include <velmara/StringOperations.h>
 #include <velmara/StringPattern.h>
