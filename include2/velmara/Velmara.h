@@ -36,3 +36,4 @@
 #include <velmara/TypeAndValue.h>
 #include <velmara/TypedHeader.h>
 #include <velmara/VmaraRefcounted.h>
+#include <velmara/htm_txt_hash.h>
