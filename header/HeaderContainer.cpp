@@ -9,12 +9,12 @@
 // once or twice, whatever the lengths.
 #include <velmara/HeaderContainer.h>
 
-#include <algorithm>
 #include <string_view>
 
 #include <velmara/StringOperations.h>
 
 #include "header/HeaderLists.h"
+#include "header/Scan.h"
 #include "runtime/Ascii.h"
 
 namespace Velmara {
@@ -59,7 +59,7 @@ private:
 
     void inName()
     {
-        m_at = std::min(m_line.find_first_of(":\n\r", m_at), m_line.size());
+        m_at = findFrom(m_line, m_at, [](unsigned char c) { return c == ':' || isLineEnd(c); });
         if (m_at == m_line.size()) return;
         if (m_at == 0 && isEmptyLine()) {
             m_done = m_lineEnds != 0;
@@ -115,7 +115,7 @@ private:
 
     void skipBlanks()
     {
-        while (m_at < m_line.size() && isBlank(static_cast<unsigned char>(m_line[m_at]))) ++m_at;
+        m_at = findFrom(m_line, m_at, [](unsigned char c) { return !isBlank(c); });
     }
 
     bool isEmptyLine() const { return m_line == "\n" || m_line == "\r\n"; }
@@ -249,6 +249,7 @@ void HeaderContainer::replace(Header const& header, bool front)
 
 void HeaderContainer::replace(std::list<Header> const& headers)
 {
+    if (isNull()) throw HeaderException(__LINE__);
     for (Header const& header : headers) replace(header, false);
 }
 

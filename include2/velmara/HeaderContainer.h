@@ -26,8 +26,8 @@ public:
     /// A first line of nothing but blanks, without LF, and any Exception of the medium are reported as
     /// Exception "HeaderContainer Parse" (code 5) with their cause; what was read before stays in `out`.
     ///
-    /// Limits: lines are read in pieces of 1024 bytes; a name that begins before such a cut loses the
-    /// pieces without a colon.
+    /// Limits: lines are read in pieces of 1024 bytes. Of a name that such a cut splits only the last
+    /// piece is kept, and that piece stands in the value once more.
     static void parse(MediaIn& in, std::list<Header>& out);
 
     std::list<Header> list; // in the order of the message
