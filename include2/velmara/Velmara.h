@@ -3,6 +3,7 @@
 /// All public headers at once.
 
 #include <velmara/ActionNames.h>
+#include <velmara/Base64MediaOut.h>
 #include <velmara/Buffer.h>
 #include <velmara/ClassifierNames.h>
 #include <velmara/CodecBase64.h>
