@@ -5,6 +5,7 @@
 #include <velmara/ActionNames.h>
 #include <velmara/Base64MediaOut.h>
 #include <velmara/Buffer.h>
+#include <velmara/CRLFConvertor.h>
 #include <velmara/ClassifierNames.h>
 #include <velmara/CodecBase64.h>
 #include <velmara/CodecBinHex40.h>
@@ -21,6 +22,7 @@
 #include <velmara/HostName.h>
 #include <velmara/IPAddress.h>
 #include <velmara/Logger.h>
+#include <velmara/MailHeaderMedia.h>
 #include <velmara/Md5Hasher.h>
 #include <velmara/MediaIn.h>
 #include <velmara/MediaOut.h>
