@@ -61,6 +61,12 @@ constexpr bool isHexDigit(unsigned char c)
     return hexValue(c) >= 0;
 }
 
+/// What a URI scheme consists of; it begins with a letter.
+constexpr bool isSchemeByte(unsigned char c)
+{
+    return isAlnum(c) || c == '+' || c == '-' || c == '.';
+}
+
 /// Equal without regard to ASCII case; a NUL is a byte like others.
 constexpr bool sameNoCase(std::string_view a, std::string_view b)
 {

@@ -19,6 +19,7 @@
 #include <velmara/FontSize.h>
 #include <velmara/Header.h>
 #include <velmara/HeaderContainer.h>
+#include <velmara/HeaderValues.h>
 #include <velmara/HostName.h>
 #include <velmara/IPAddress.h>
 #include <velmara/Logger.h>
@@ -34,9 +35,11 @@
 #include <velmara/Singleton.h>
 #include <velmara/SmtpClient.h>
 #include <velmara/SmtpResponse.h>
+#include <velmara/StringContainer.h>
 #include <velmara/StringOperations.h>
 #include <velmara/StringPattern.h>
 #include <velmara/TypeAndValue.h>
 #include <velmara/TypedHeader.h>
+#include <velmara/Uri.h>
 #include <velmara/VmaraRefcounted.h>
 #include <velmara/htm_txt_hash.h>
