@@ -21,6 +21,7 @@
 #include <velmara/HeaderContainer.h>
 #include <velmara/HeaderValues.h>
 #include <velmara/HostName.h>
+#include <velmara/HtmlParser.h>
 #include <velmara/IPAddress.h>
 #include <velmara/Logger.h>
 #include <velmara/MailHeaderMedia.h>
