@@ -14,6 +14,7 @@
 #include <velmara/ContentDisposition.h>
 #include <velmara/ContentEncoding.h>
 #include <velmara/ContentType.h>
+#include <velmara/DecodeMediaIn.h>
 #include <velmara/Exception.h>
 #include <velmara/Export.h>
 #include <velmara/FontSize.h>
