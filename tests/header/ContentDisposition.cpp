@@ -9,6 +9,7 @@
 #include <velmara/Logger.h>
 
 #include "support/HeaderText.h"
+#include "support/Rule.h"
 
 namespace Velmara {
 namespace {
@@ -76,7 +77,7 @@ INSTANTIATE_TEST_SUITE_P(
                     Row{"QuotesKeepSemicolons", "inline; a=\"b;c\"; d=e", 2, "a=b;c|d=e", {}},
                     Row{"TheByteBehindAClosingQuoteIsSkippedUnseen", "inline; a=\"b\" ; c=d", 2, "a=b|; c=d", {}},
                     Row{"AnUnclosedQuoteCostsTheLastCharacter", "inline; filename=\"a.txt", 2, "filename=a.tx", {}}),
-    [](testing::TestParamInfo<Row> const& row) { return std::string(row.param.rule); });
+    ruleName);
 
 TEST(ContentDisposition, AnEmptyHeaderIsUnknown)
 {

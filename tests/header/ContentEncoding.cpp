@@ -4,6 +4,8 @@
 
 #include <velmara/Exception.h>
 
+#include "support/Rule.h"
+
 namespace Velmara {
 namespace {
 
@@ -43,7 +45,7 @@ INSTANTIATE_TEST_SUITE_P(
                     Row{"EveryWhiteSpaceOfCIsSkippedAndEndsTheWord", "\v\f\r\n\t base64\vx", 3, "base64"},
                     Row{"ACommentTouchingTheWordBelongsToIt", "base64(x)", 0, "base64(x)"},
                     Row{"ASemicolonBelongsToTheWord", "7bit;", 0, "7bit;"}, Row{"BlanksAloneAreNoWord", "   ", 0, ""}),
-    [](testing::TestParamInfo<Row> const& row) { return std::string(row.param.rule); });
+    ruleName);
 
 TEST(ContentEncoding, EachQuestionAppendsAnUnknownWordAgain)
 {

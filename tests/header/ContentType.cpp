@@ -8,6 +8,7 @@
 
 #include "support/HeaderText.h"
 #include "support/Refusals.h"
+#include "support/Rule.h"
 
 namespace Velmara {
 namespace {
@@ -31,11 +32,6 @@ TEST_P(ContentTypeValue, IsReadAs)
     EXPECT_EQ(row.parameters, parametersOf(type));
 }
 
-std::string ruleOf(testing::TestParamInfo<Row> const& info)
-{
-    return info.param.rule;
-}
-
 INSTANTIATE_TEST_SUITE_P(
     Types, ContentTypeValue,
     testing::Values(
@@ -54,7 +50,7 @@ INSTANTIATE_TEST_SUITE_P(
         Row{"CommentsAreOrdinaryText", "text/plain(x); a=(y)", "text", "plain(x)", "a=(y)"},
         Row{"LineFeedEndsTheSubtype", "text/html\n a=b", "text", "html", "a=b"},
         Row{"CarriageReturnEndsTheSubtypeAndTakesTheNextByteWithIt", "text/html\rXa=b", "text", "html", "a=b"}),
-    ruleOf);
+    ruleName);
 
 INSTANTIATE_TEST_SUITE_P(
     Parameters, ContentTypeValue,
@@ -84,7 +80,7 @@ INSTANTIATE_TEST_SUITE_P(
         Row{"ExtendedNamesStayAsTheyAre", "a/b; name*0*=us-ascii''a%20b; name*1=c", "a", "b",
             "name*0*=us-ascii''a%20b|name*1=c"},
         Row{"TheSameParameterTwiceStaysTwice", "a/b; n=1; n=2", "a", "b", "n=1|n=2"}),
-    ruleOf);
+    ruleName);
 
 TEST(ContentType, ValueWithoutAnythingBehindTheTypeGainsASemicolon)
 {

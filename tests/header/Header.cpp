@@ -7,6 +7,7 @@
 #include <velmara/Exception.h>
 
 #include "support/Refusals.h"
+#include "support/Rule.h"
 
 namespace Velmara {
 namespace {
@@ -146,7 +147,7 @@ INSTANTIATE_TEST_SUITE_P(Rules, HeaderUnfolded,
                                              "a" + nul + "b\n c" + nul + "d\n e" + nul + "f",
                                              "a" + nul + "bc" + nul + "de"},
                                          Row{"Empty", "", ""}),
-                         [](testing::TestParamInfo<Row> const& row) { return std::string(row.param.rule); });
+                         ruleName);
 
 } // namespace
 } // namespace Velmara

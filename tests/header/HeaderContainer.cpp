@@ -10,6 +10,7 @@
 
 #include "support/HeaderText.h"
 #include "support/Refusals.h"
+#include "support/Rule.h"
 
 namespace Velmara {
 namespace {
@@ -67,7 +68,7 @@ INSTANTIATE_TEST_SUITE_P(
                     Row{"AnEmptyLineBehindALineWithoutColonEndsTheBlock", "A: 1\nno colon\n\nB: 2\n\n", "A[1]"},
                     Row{"AFirstLineOfBlanksIsALineWithoutColon", "  \nA: 1\n\n", "A[1]"},
                     Row{"DuplicatesStayInOrder", "A: 1\nB: 2\na: 3\n\n", "A[1] B[2] a[3]"}),
-    [](testing::TestParamInfo<Row> const& row) { return std::string(row.param.rule); });
+    ruleName);
 
 TEST(HeaderContainer, BlanksUntilTheEndOfTheInputAreRefused)
 {
