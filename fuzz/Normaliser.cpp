@@ -57,6 +57,7 @@ extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t n)
     if (n == 0) return 0;
     int const capacity = data[0] < 200 ? 256 : data[0] - 200;
     check(std::string(reinterpret_cast<char const*>(data) + 1, n - 1), capacity);
-    check(textOfFragments(data + 1, n - 1), capacity);
+    // All behind the two lines that are set aside is written.
+    check((data[0] % 4 == 0 ? "" : "1st\n2nd\n") + textOfFragments(data + 1, n - 1), capacity);
     return 0;
 }

@@ -45,3 +45,4 @@
 #include <velmara/Uri.h>
 #include <velmara/VmaraRefcounted.h>
 #include <velmara/htm_txt_hash.h>
+#include <velmara/image_walkers.h>
