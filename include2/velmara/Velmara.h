@@ -22,6 +22,7 @@
 #include <velmara/HeaderContainer.h>
 #include <velmara/HeaderValues.h>
 #include <velmara/HostName.h>
+#include <velmara/HtmlDocVisitor.h>
 #include <velmara/HtmlParser.h>
 #include <velmara/IPAddress.h>
 #include <velmara/Logger.h>
@@ -40,6 +41,7 @@
 #include <velmara/StringContainer.h>
 #include <velmara/StringOperations.h>
 #include <velmara/StringPattern.h>
+#include <velmara/TextHtmlDoc.h>
 #include <velmara/TypeAndValue.h>
 #include <velmara/TypedHeader.h>
 #include <velmara/Uri.h>
