@@ -184,6 +184,62 @@ TEST(TypedHeader, NamesAreThese)
     EXPECT_EQ("Content-Disposition", ContentDisposition::htype);
 }
 
+// Headers that differ by their name alone: the accessors stand in a base between Header and each of them.
+std::string const& linesName()
+{
+    static std::string const name("Lines");
+    return name;
+}
+
+std::string const& bytesName()
+{
+    static std::string const name("Bytes");
+    return name;
+}
+
+struct LengthImpl : ParsedHeaderImpl {
+    void read() const override { length = value().size(); }
+    mutable size_t length = 0;
+};
+
+template <std::string const& (*name)()> struct NamedLengthImpl : LengthImpl {
+    NamedLengthImpl() { type(name()); }
+};
+
+struct LengthBase : Header {
+    using Header::operator=;
+    size_t length() const
+    {
+        if (isNull()) throw HeaderException(__LINE__);
+        implementation<LengthImpl>().parse();
+        return implementation<LengthImpl>().length;
+    }
+};
+
+template <std::string const& (*name)()> struct Length : TypedHeader<Length<name>, NamedLengthImpl<name>, LengthBase> {
+    using Shared = TypedHeader<Length<name>, NamedLengthImpl<name>, LengthBase>;
+    static std::string const& htype;
+    Length() = default;
+    Length(std::string const& value) : Shared(value) {}
+    Length(Header const& other) : Shared(other) {}
+    using Shared::operator=;
+};
+template <std::string const& (*name)()> std::string const& Length<name>::htype = name();
+
+TEST(TypedHeader, CanShareAccessorsUnderSeveralNames)
+{
+    Length<linesName> lines(Header("lines", "123")), copy;
+    Length<bytesName> bytes("12345");
+    LengthBase const& base = bytes;
+    copy = lines;
+    EXPECT_EQ(3u, copy.length());
+    EXPECT_EQ(5u, base.length());
+    EXPECT_EQ("Lines: 123", Header(lines).asString());
+    EXPECT_EQ("Bytes: 12345", base.asString());
+    EXPECT_THROW(bytes = Header("Lines", "1"), Exception);
+    EXPECT_THROW(bytes.length(), HeaderException);
+}
+
 struct CountingImpl : ParsedHeaderImpl {
     void read() const override { ++readings; }
     mutable int readings = 0;
