@@ -15,6 +15,7 @@
 #include <velmara/ContentEncoding.h>
 #include <velmara/ContentType.h>
 #include <velmara/DecodeMediaIn.h>
+#include <velmara/EmailAddress.h>
 #include <velmara/Exception.h>
 #include <velmara/Export.h>
 #include <velmara/FontSize.h>
