@@ -7,8 +7,9 @@ namespace Velmara {
 struct Md5Hasher::State {
     State() { MD5Init(&context); }
 
-    MD5_CTX context;    // valid until finalize
-    std::string digest; // 16 bytes from finalize on, empty before
+    MD5_CTX context;                         // valid until finalize
+    unsigned char digest[MD5_DIGEST_LENGTH]; // valid once finished
+    bool finished = false;
 };
 
 Md5Hasher::Md5Hasher() : m_state(std::make_unique<State>())
@@ -27,29 +28,31 @@ Md5Hasher::~Md5Hasher() = default;
 
 void Md5Hasher::update(unsigned char const* bytes, unsigned int n)
 {
-    if (!m_state->digest.empty()) *m_state = State();
+    if (m_state->finished) *m_state = State();
     if (n > 0) MD5Update(&m_state->context, bytes, n);
 }
 
 void Md5Hasher::finalize()
 {
-    if (!m_state->digest.empty()) return;
-    unsigned char bytes[MD5_DIGEST_LENGTH];
-    MD5Final(bytes, &m_state->context);
-    m_state->digest.assign(bytes, bytes + sizeof bytes);
+    if (m_state->finished) return;
+    MD5Final(m_state->digest, &m_state->context);
+    m_state->finished = true;
 }
 
 std::string Md5Hasher::digest() const
 {
-    return m_state->digest;
+    if (!m_state->finished) return std::string();
+    return std::string(m_state->digest, m_state->digest + sizeof m_state->digest);
 }
 
 std::string Md5Hasher::digestAsHexString() const
 {
+    if (!m_state->finished) return std::string();
     std::string hex;
-    for (char c : m_state->digest) {
-        hex += "0123456789abcdef"[static_cast<unsigned char>(c) >> 4];
-        hex += "0123456789abcdef"[static_cast<unsigned char>(c) & 15];
+    hex.reserve(2 * sizeof m_state->digest);
+    for (unsigned char c : m_state->digest) {
+        hex += "0123456789abcdef"[c >> 4];
+        hex += "0123456789abcdef"[c & 15];
     }
     return hex;
 }
