@@ -19,6 +19,8 @@
 #include <velmara/Exception.h>
 #include <velmara/Export.h>
 #include <velmara/FontSize.h>
+#include <velmara/Hasher.h>
+#include <velmara/HasherImpl.h>
 #include <velmara/Header.h>
 #include <velmara/HeaderContainer.h>
 #include <velmara/HeaderValues.h>

@@ -12,6 +12,7 @@
 
 #include "hash/Fragments.h"
 #include "hash/PlainNormaliser.h"
+#include "support/Rule.h"
 
 namespace {
 
@@ -185,11 +186,6 @@ struct Row {
     std::string emitted;
 };
 
-std::string nameOf(testing::TestParamInfo<Row> const& info)
-{
-    return info.param.rule;
-}
-
 class Words : public testing::TestWithParam<Row> {};
 class HtmlRows : public testing::TestWithParam<Row> {};
 
@@ -245,7 +241,7 @@ INSTANTIATE_TEST_SUITE_P(
         Row{"ByteThatEndsAUriIsStillTreated", "abc.de\x80x", "\x80x"},
         Row{"ByteThatEndsTextIsStillTreated", "ab\x80x", "ab\x80x"}, Row{"UriAtTheEndGoes", "x www.a.example", "x"},
         Row{"WordAtTheEndStays", "x word", "xword"}),
-    nameOf);
+    Velmara::ruleName);
 
 INSTANTIATE_TEST_SUITE_P(
     Entities, HtmlRows,
@@ -270,7 +266,7 @@ INSTANTIATE_TEST_SUITE_P(
         Row{"EntityBehindTheFirstDotEndsTheWord", "abc.&lt;d", "abc.d"},
         Row{"AmpBehindTheFirstDotGoesOn", "ab.&amp;d", "ab.amp;d"},
         Row{"AmpBehindTheFirstDotMayMakeAUri", "abc.&amp;d", ""}, Row{"EntityFurtherOnIsPartOfTheUri", "a.b&lt;c", ""}),
-    nameOf);
+    Velmara::ruleName);
 
 INSTANTIATE_TEST_SUITE_P(
     Tags, HtmlRows,
@@ -298,7 +294,7 @@ INSTANTIATE_TEST_SUITE_P(
         Row{"ByteBehindALoneLessThanIsWrittenEvenIfHidden", "x<SCRIPT>if (a<1) b</SCRIPT>y", "x1y"},
         Row{"TextBehindAHiddenUnclosedTagComesBack", "x<SCRIPT>hid<den text", "xdentext"},
         Row{"ClosingTagOfAHiddenElementAloneDoesNothing", "x</SCRIPT>y", "xy"}),
-    nameOf);
+    Velmara::ruleName);
 
 INSTANTIATE_TEST_SUITE_P(
     Comments, HtmlRows,
@@ -320,7 +316,7 @@ INSTANTIATE_TEST_SUITE_P(
                     Row{"ShortestUnclosedComment", "x <!--y", "x--yy"}, Row{"BangAtTheVeryEnd", "x <!", "x"},
                     Row{"DottedWordBehindAnUnclosedDeclarationIsWrittenTwice", "x <!cd.", "xcd.cd."},
                     Row{"UriBehindAnUnclosedDeclarationGoes", "x <!www.a.example", "x"}),
-    nameOf);
+    Velmara::ruleName);
 
 struct TagRow {
     char const* name;

@@ -13,6 +13,7 @@
 
 #include "hash/ImagePieces.h"
 #include "hash/PlainImageWalkers.h"
+#include "support/Rule.h"
 
 namespace {
 
@@ -58,11 +59,6 @@ struct Row {
     int code;
     Pieces pieces;
 };
-
-std::string nameOf(testing::TestParamInfo<Row> const& info)
-{
-    return info.param.rule;
-}
 
 void check(Walker walker, Row const& row)
 {
@@ -118,7 +114,7 @@ INSTANTIATE_TEST_SUITE_P(
         Row{"LengthIsBigEndian", "\xff\xd8\xe0\1\0"_b + std::string(254, 'x') + "\xda\0\2scan"_b, 0, {"scan"}},
         Row{"LengthZeroStepsOverTheMarkerAlone", "\xff\xd8\xe0\0\0\3y\xda\0\2scan"_b, 0, {"scan"}},
         Row{"LengthOneLeavesItsLastByteToBeReadAgain", "\xff\xd8\xe0\0\1\xda\0\2scan"_b, 0, {"scan"}}),
-    nameOf);
+    Velmara::ruleName);
 
 TEST(Jpg, SucceedsWhateverTheCallbackReturns)
 {
@@ -196,7 +192,7 @@ INSTANTIATE_TEST_SUITE_P(
             {"abc", "abc"}},
         Row{"TrailerAlone", screen('\0') + ";", 0, {}},
         Row{"OtherBlockFails", screen('\0') + image + one + "x", -9, {"abc"}}),
-    nameOf);
+    Velmara::ruleName);
 
 TEST(Gif, CallbackEndsTheWalkWithSuccess)
 {
@@ -250,7 +246,7 @@ INSTANTIATE_TEST_SUITE_P(
         Row{"LengthWhoseStepWouldWrap", pngHead + "\x7f\xff\xff\xf4IDATab"_b, -3, {"ab"}},
         Row{"NegativeLengthFailsAheadOfItsData", pngHead + "\x80\0\0\0IDATab"_b, -3, {}},
         Row{"MostNegativeLength", pngHead + "\xff\xff\xff\xffIDATab"_b, -3, {}}),
-    nameOf);
+    Velmara::ruleName);
 
 TEST(Png, CallbackEndsTheWalkWithSuccess)
 {
