@@ -1,0 +1,538 @@
+// A pull parser. Whoever asks for the next part moves the source on; nobody reads ahead, so a tree
+// costs what is looked at. The parser and its streams lean on each other: a live stream reads through
+// the parser, and the parser closes it when a delimiter comes.
+//
+// A delimiter of an outer part ends all inner ones: the stack of open containers is searched from the
+// innermost, and what was passed is closed. Comparison is by prefix, so "--abcd" ends a part whose
+// boundary is "abc", and "--abc--x" closes it. What was found is kept in m_state until the next step
+// of the container that is then on top of the stack:
+//
+//     --outer          getNextPart(outer)   the next child
+//     text --inner--   getNextPart(inner)   its epilogue; behind it, getNextPart(outer) goes on
+//
+// Cost: each byte passes once, whatever is asked. A walk over the stack either finds a delimiter, and
+// is paid for by the containers that it closes, or finds none; of such walks only a few are made before
+// the delimiters are indexed, so that a flood of "--x" in a deep nesting costs little more than text.
+#include <velmara/Rfc822MsgParser.h>
+
+#include <algorithm>
+
+#include <velmara/ContentType.h>
+#include <velmara/MimePart.h>
+
+#include "runtime/Ascii.h"
+
+namespace Velmara {
+
+namespace {
+
+constexpr int _lineSize = 2048;
+
+// m_state. The lower four bits tell what ended the last line, the upper ones survive a normal line.
+enum : unsigned short {
+    BoundaryFound = 1,    // a delimiter of the container on top of the stack
+    EndBoundaryFound = 2, // its closing delimiter
+    MultipartOpened = 16, // a multipart that had no child yet
+    LineEnd = 15,
+};
+
+std::string_view _text(Buffer const& buffer)
+{
+    return std::string_view(reinterpret_cast<char const*>(buffer.data()), buffer.length());
+}
+
+std::string_view _withoutLineEnd(std::string_view piece)
+{
+    while (!piece.empty() && isLineEnd(static_cast<unsigned char>(piece.back()))) piece.remove_suffix(1);
+    return piece;
+}
+
+std::string_view _withoutLeadingSpace(std::string_view text)
+{
+    while (!text.empty() && isCSpace(static_cast<unsigned char>(text.front()))) text.remove_prefix(1);
+    return text;
+}
+
+bool _startsWith(std::string_view text, std::string_view prefix)
+{
+    return text.size() >= prefix.size() && text.compare(0, prefix.size(), prefix) == 0;
+}
+
+/// The delimiter in front of a child, given the closing one.
+std::string_view _opening(std::string const& closing)
+{
+    return std::string_view(closing).substr(0, closing.size() - 2);
+}
+
+/// A header block, one piece of a line at a time. Pieces that continue a line are told from lines by
+/// whether the piece before them had its LF, so a value may be of any length.
+class _HeaderBlock {
+public:
+    _HeaderBlock() : m_list(new HeaderContainerImpl), m_headers(m_list, false) {}
+
+    /// False for a line that is no part of the block.
+    bool take(std::string_view piece)
+    {
+        bool taken = true;
+        if (!m_name.empty() && !m_atLineStart)
+            m_value.append(_withoutLineEnd(piece));
+        else if (!m_name.empty() && isBlank(static_cast<unsigned char>(piece.front())))
+            fold(_withoutLeadingSpace(_withoutLineEnd(piece)));
+        else
+            taken = start(piece);
+        m_atLineStart = piece.back() == '\n';
+        return taken;
+    }
+
+    HeaderContainer const& finished()
+    {
+        keep();
+        return m_headers;
+    }
+
+private:
+    /// A line of white space adds nothing, nor does it end the block.
+    void fold(std::string_view text)
+    {
+        if (!text.empty()) m_value.append(1, ' ').append(text);
+    }
+
+    bool start(std::string_view line)
+    {
+        // "Subject : x" is no header, and neither is a mailbox's "From someone ..." line.
+        size_t const colon = line.find_first_of(": \t\r\n");
+        if (colon == 0 || colon == std::string_view::npos || line[colon] != ':') return false;
+        keep();
+        m_name.assign(line, 0, colon);
+        m_value.assign(_withoutLeadingSpace(_withoutLineEnd(line.substr(colon + 1))));
+        return true;
+    }
+
+    void keep()
+    {
+        if (!m_name.empty()) m_list->list.emplace_back(m_name, m_value);
+    }
+
+    HeaderContainerImpl* m_list; // owned by m_headers
+    HeaderContainer m_headers;
+    std::string m_name; // empty before the first header
+    std::string m_value;
+    bool m_atLineStart = true;
+};
+
+} // namespace
+
+Rfc822MsgParser::Rfc822MsgParser(MediaIn& in, unsigned int maxDepth)
+    : m_source(in), m_linePos(in.tell()), m_pushback(_lineSize, 0), m_line(_lineSize, 0), m_maxDepth(maxDepth)
+{}
+
+Rfc822MsgParser::~Rfc822MsgParser()
+{
+    // A body that someone still holds is at its end from now on.
+    if (MsgParserMediaIn* live = liveStream()) live->close(m_linePos);
+}
+
+void Rfc822MsgParser::bufferSize(unsigned int n)
+{
+    m_pushback.size(n);
+    m_line.size(n);
+}
+
+// Lines.
+
+void Rfc822MsgParser::readline(Buffer& line)
+{
+    line.length(0);
+    if (!m_pushback.isEmpty()) {
+        line.append(m_pushback);
+        m_pushback.length(0);
+        return;
+    }
+    m_linePos = m_source.tell();
+    m_source.readline(line);
+    if (line.length() > 2 && line.data()[0] == '-' && line.data()[1] == '-' && isBoundary(line)) {
+        endPStream();
+        m_linePos = m_source.tell();
+        line.length(0);
+    } else {
+        m_state &= static_cast<unsigned short>(~LineEnd);
+    }
+}
+
+bool Rfc822MsgParser::isBoundary(Buffer& line)
+{
+    std::string_view const text = _text(line);
+    if (!canBeDelimiter(text)) return false;
+    for (size_t i = m_boundaries.size(); i-- > 0;) {
+        std::string const& closing = m_boundaries[i].delimiter;
+        if (closing.empty() || !_startsWith(text, _opening(closing))) continue;
+        m_state &= static_cast<unsigned short>(~LineEnd);
+        m_state |= _startsWith(text, closing) ? EndBoundaryFound : BoundaryFound;
+        while (m_boundaries.size() > i + 1) msgPop();
+        return true;
+    }
+    ++m_misses;
+    return false;
+}
+
+/// False only if no delimiter on the stack is a prefix of the line.
+bool Rfc822MsgParser::canBeDelimiter(std::string_view line)
+{
+    constexpr unsigned int patience = 16; // walks that pay for the index
+    if (m_misses < patience) return true;
+    if (m_shortest.empty()) indexDelimiters();
+    auto const behind = std::upper_bound(m_shortest.begin(), m_shortest.end(), line);
+    return behind != m_shortest.begin() && _startsWith(line, *(behind - 1));
+}
+
+/// A delimiter that begins with another one decides nothing here; without those, the only one that can
+/// be a prefix of a line is the last that is not behind the line in the order of bytes.
+void Rfc822MsgParser::indexDelimiters()
+{
+    for (MBoundary const& open : m_boundaries)
+        if (!open.delimiter.empty()) m_shortest.push_back(_opening(open.delimiter));
+    std::sort(m_shortest.begin(), m_shortest.end());
+    auto const coveredBy = [](std::string_view kept, std::string_view next) { return _startsWith(next, kept); };
+    m_shortest.erase(std::unique(m_shortest.begin(), m_shortest.end(), coveredBy), m_shortest.end());
+}
+
+// The stack of open containers.
+
+void Rfc822MsgParser::push(MimePart* part, std::string const& delimiter, bool digest)
+{
+    m_boundaries.push_back(MBoundary{part, delimiter, digest});
+    m_shortest.clear();
+    m_misses = 0;
+}
+
+void Rfc822MsgParser::msgPop()
+{
+    if (m_boundaries.empty()) return;
+    MimePart* part = m_boundaries.back().part;
+    part->blen(blen(part));
+    m_boundaries.pop_back();
+    m_shortest.clear();
+    m_misses = 0;
+}
+
+unsigned long Rfc822MsgParser::blen(MimePart* part)
+{
+    return m_linePos - part->hlen() - part->sourcePosition();
+}
+
+void Rfc822MsgParser::posLast()
+{
+    if (m_lastPart) m_lastPart->blen(blen(m_lastPart));
+    m_lastPart = nullptr;
+}
+
+// Streams.
+
+MsgParserMediaIn* Rfc822MsgParser::liveStream() const
+{
+    auto* stream = dynamic_cast<MsgParserMediaIn*>(m_pstream.get());
+    return stream && stream->m_parser ? stream : nullptr;
+}
+
+MediaIn& Rfc822MsgParser::nextPStream()
+{
+    discardAll();
+    m_pstream = MediaIn(new MsgParserMediaIn(this), false);
+    return m_pstream;
+}
+
+void Rfc822MsgParser::discardAll()
+{
+    if (MsgParserMediaIn* live = liveStream()) {
+        do live->readline(m_line);
+        while (!m_line.isEmpty() && live->m_parser);
+    }
+    posLast();
+}
+
+void Rfc822MsgParser::endPStream()
+{
+    if (MsgParserMediaIn* live = liveStream()) {
+        live->close(m_linePos);
+        m_previous = m_pstream;
+    }
+    m_pstream.release();
+    posLast();
+}
+
+// Header blocks.
+
+HeaderContainer Rfc822MsgParser::header()
+{
+    _HeaderBlock block;
+    do readline(m_line);
+    while (!m_line.isEmpty() && block.take(_text(m_line)));
+    endHeader();
+    return block.finished();
+}
+
+/// What stopped the block is its empty line, a delimiter, the end, or else the first line of the body.
+void Rfc822MsgParser::endHeader()
+{
+    if (_withoutLeadingSpace(_text(m_line)).empty())
+        m_linePos = m_source.tell();
+    else
+        m_pushback.append(m_line);
+    if (MsgParserMediaIn* live = liveStream()) live->close(m_linePos);
+    m_pstream.release();
+}
+
+void Rfc822MsgParser::sanityCheck(HeaderContainer& headers)
+{
+    if (m_boundaries.empty() || !m_boundaries.back().digest || !headers.find(ContentType::htype).isNull()) return;
+    // With the name in its value the header gives no known type, so the entity stays a leaf and only
+    // shows what it is. Trees that are compared with stored ones count on it.
+    headers.add(ContentType("Content-Type: message/rfc822"), false);
+}
+
+// Parts.
+
+MimePart* Rfc822MsgParser::createRfc822Msg()
+{
+    return createRfc822Msg(0u);
+}
+
+MimePart* Rfc822MsgParser::createRfc822Msg(HeaderContainer const& headers)
+{
+    MediaIn none;
+    return createEntity(headers, none);
+}
+
+MimePart* Rfc822MsgParser::createRfc822Msg(unsigned int level)
+{
+    MediaIn stream = nextPStream();
+    unsigned long const position = m_source.tell();
+    HeaderContainer const headers = header();
+    MimePart* part = createEntity(headers, stream, level);
+    auto const& block = static_cast<MsgParserMediaIn const&>(*stream.get());
+    part->sourcePosition(position);
+    part->hlen(block.m_end - block.m_start);
+    return part;
+}
+
+MimePart* Rfc822MsgParser::createEntity(HeaderContainer const& headers, MediaIn& headerStream)
+{
+    return createEntity(headers, headerStream, 0);
+}
+
+/// `level` is the number of containers around the part. It is the size of the stack, unless a caller
+/// came back late to the nested message of a part that is closed; such trees must not grow deeper.
+MimePart* Rfc822MsgParser::createEntity(HeaderContainer const& headers, MediaIn& headerStream, unsigned int level)
+{
+    HeaderContainer checked(headers);
+    sanityCheck(checked);
+    ContentType const type(headers.find(ContentType::htype));
+    ContentType::MediaType const mediatype = type.isNull() ? ContentType::MediaTypeUnknown : type.mediatype();
+    level = std::max(level, static_cast<unsigned int>(m_boundaries.size()));
+    MimePart* part = nullptr;
+    if (mediatype != ContentType::MediaTypeMultipart && mediatype != ContentType::MediaTypeMessage)
+        part = createLeaf<MimeRfc822Msg>(headers, headerStream);
+    else if (level >= m_maxDepth)
+        part = createLeaf<MimeSkippedPart>(headers, headerStream);
+    else if (mediatype == ContentType::MediaTypeMessage)
+        part = createMessage(headers, headerStream);
+    else if (type.boundary().empty())
+        part = createLeaf<MimeRfc822Msg>(headers, headerStream);
+    else
+        part = createMultipart(headers, headerStream, type);
+    part->m_level = level;
+    return part;
+}
+
+/// The body is not read now: its stream is live.
+template <class Leaf> MimePart* Rfc822MsgParser::createLeaf(HeaderContainer const& headers, MediaIn& headerStream)
+{
+    MediaIn& body = nextPStream();
+    m_lastPart = new Leaf(headers, this, headerStream, body);
+    return m_lastPart;
+}
+
+MimePart* Rfc822MsgParser::createMultipart(HeaderContainer const& headers, MediaIn& headerStream,
+                                           ContentType const& type)
+{
+    auto* part = new MimeRfc822MPart(headers, this, headerStream);
+    push(part, "--" + type.boundary() + "--", type.subtype() == ContentType::SubTypeDigest);
+    m_state |= MultipartOpened;
+    endPStream();
+    m_lastPart = part;
+    return part;
+}
+
+MimePart* Rfc822MsgParser::createMessage(HeaderContainer const& headers, MediaIn& headerStream)
+{
+    auto* part = new MimeRfc822SPart(headers, this, headerStream);
+    m_lastPart = part;
+    push(part, std::string(), false);
+    return part;
+}
+
+MimePart* Rfc822MsgParser::getNextPart(MimeRfc822MPart* parent)
+{
+    if (!abandonAbove(parent)) return nullptr;
+    while (!m_boundaries.empty() && m_boundaries.back().part == parent) {
+        if (m_state == MultipartOpened) return createPreamble(parent);
+        // A delimiter of an outer level ended this part's header block: there is no preamble, and it
+        // counts as this part's own.
+        m_state &= static_cast<unsigned short>(~MultipartOpened);
+        if (m_state & EndBoundaryFound) return createEpilogue(parent);
+        if (m_state & BoundaryFound) return createChild(parent);
+        if (!skipToDelimiter()) return nullptr;
+    }
+    return nullptr;
+}
+
+/// Closes the containers inside `parent`; false if that one is not open.
+bool Rfc822MsgParser::abandonAbove(MimeRfc822MPart* parent)
+{
+    if (m_boundaries.empty()) return false;
+    if (m_boundaries.back().part == parent) return true;
+    auto const isParent = [parent](MBoundary const& open) { return open.part == parent; };
+    if (std::none_of(m_boundaries.begin(), m_boundaries.end(), isParent)) return false;
+    m_state = 0;
+    while (m_boundaries.back().part != parent) msgPop();
+    return true;
+}
+
+/// Runs over what the caller did not read. False at the end of the input.
+bool Rfc822MsgParser::skipToDelimiter()
+{
+    if (!m_pstream.isNull()) {
+        discardAll();
+        m_pstream.release();
+        return true;
+    }
+    m_state = 0;
+    do readline(m_line);
+    while (!m_line.isEmpty());
+    return m_state != 0;
+}
+
+MimePart* Rfc822MsgParser::createPreamble(MimeRfc822MPart* parent)
+{
+    m_state = 0;
+    return adopt(parent, new MimePreamble(nextPStream()));
+}
+
+MimePart* Rfc822MsgParser::createChild(MimeRfc822MPart* parent)
+{
+    m_state = 0;
+    return adopt(parent, createRfc822Msg(parent->m_level + 1));
+}
+
+/// Its stream runs to a delimiter of an outer level. The parent's body ends there too.
+MimePart* Rfc822MsgParser::createEpilogue(MimeRfc822MPart* parent)
+{
+    m_state = 0;
+    MimePart* epilogue = adopt(parent, new MimeEpilogue(nextPStream()));
+    m_lastPart = parent;
+    msgPop();
+    return epilogue;
+}
+
+MimePart* Rfc822MsgParser::adopt(MimeRfc822MPart* parent, MimePart* child)
+{
+    parent->m_children.push_back(Ref<MimePart>(child, false));
+    return child;
+}
+
+// The stream over a part.
+
+MsgParserMediaIn::MsgParserMediaIn(Rfc822MsgParser* parser) : m_parser(parser), m_in(parser->m_source)
+{
+    m_start = m_end = parser->m_pushback.isEmpty() ? m_in.tell() : parser->m_linePos;
+}
+
+MsgParserMediaIn::~MsgParserMediaIn() = default;
+
+void MsgParserMediaIn::close(unsigned long end)
+{
+    m_parser = nullptr;
+    m_end = end;
+    m_spare.reset();
+}
+
+bool MsgParserMediaIn::atEnd() const
+{
+    return !m_parser && m_in.tell() >= m_end;
+}
+
+int MsgParserMediaIn::peek() const
+{
+    return 0;
+}
+
+void MsgParserMediaIn::readline(Buffer& line)
+{
+    line.length(0);
+    if (atEnd()) return;
+    if (!m_parser) return m_in.readline(line);
+    m_parser->readline(line);
+    if (!line.isEmpty() || !m_parser) return;
+    // Nobody else tells the part that the input ends here.
+    Rfc822MsgParser& parser = *m_parser;
+    close(parser.m_linePos);
+    parser.posLast();
+}
+
+/// Calls `deliver` with each line until it says no or the stream ends.
+template <class Deliver> void MsgParserMediaIn::eachLine(Deliver deliver)
+{
+    // Taken out, because the stream may be closed while a line is read into it.
+    std::unique_ptr<Buffer> line = m_spare ? std::move(m_spare) : std::make_unique<Buffer>(_lineSize, 0);
+    while (!atEnd()) {
+        readline(*line);
+        if (line->isEmpty()) return;
+        if (deliver(*line)) continue;
+        if (!atEnd()) m_spare = std::move(line);
+        return;
+    }
+}
+
+int MsgParserMediaIn::read(Buffer& block, uint_t n)
+{
+    if (n == 0) n = block.size();
+    block.length(0);
+    if (n == 0) return 0;
+    eachLine([&block, n](Buffer const& line) {
+        block.append(line);
+        return block.length() < n;
+    });
+    return static_cast<int>(block.length());
+}
+
+int MsgParserMediaIn::read(uchar_t*, uint_t)
+{
+    Exception refused("virtual int Velmara::MsgParserMediaIn::read(Velmara::uchar_t*, Velmara::uint_t)", 4,
+                      "Rfc822MsgParser", __LINE__);
+    refused.stringParameter("N/A");
+    throw refused;
+}
+
+void MsgParserMediaIn::setpos(unsigned long position)
+{
+    if (m_parser) return;
+    unsigned long const length = m_end - m_start;
+    unsigned long const target = position < length ? m_start + position : m_start + length - 1;
+    if (target != ~0ul) m_in.setpos(target);
+}
+
+void MsgParserMediaIn::write(MediaOut& out)
+{
+    if (!m_parser) m_in.setpos(m_start);
+    eachLine([&out](Buffer const& line) {
+        out << line;
+        return true;
+    });
+}
+
+unsigned long MsgParserMediaIn::tell()
+{
+    return m_in.tell() - m_start;
+}
+
+} // namespace Velmara
