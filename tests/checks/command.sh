@@ -49,6 +49,17 @@ expect "json" 0 "$velmara" tree --json samples/*.eml
 "$velmara" tree samples/forwards.eml >"$work/file" 2>&1
 cmp -s "$work/piped" "$work/file" || { echo "standard input reads otherwise than the file" >&2; failed=1; }
 
+expect "a body" 0 "$velmara" body samples/attachments.eml 1.2
+printf 'Überblick über das erste Quartal:\r\nUmsatz = 1.234.567 €\r\n' | cmp -s - "$work/out" ||
+    { echo "body: the attachment is not what was attached" >&2; failed=1; }
+expect "a raw body" 0 "$velmara" body --raw samples/attachments.eml 1.4
+holds out "R0lGODlhAQABA" "a raw body"
+expect "a path that does not exist" 2 "$velmara" body samples/attachments.eml 1.9
+holds err "part 1.9 does not exist" "a path that does not exist"
+silent out "a path that does not exist"
+expect "the body of a container" 2 "$velmara" body samples/newsletter.eml 1.2
+silent out "the body of a container"
+
 printf 'Subject: \033[31mred\r\nX: \xff\r\n\r\n' >"$work/escape.eml"
 expect "control characters" 0 "$velmara" tree --headers "$work/escape.eml"
 holds out 'Subject: \x1B[31mred' "control characters"

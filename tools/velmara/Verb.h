@@ -16,4 +16,7 @@ using Action = std::function<int()>;
 /// be done in the action. Each stands in a file of its own, named after the verb.
 using AddVerb = void (*)(CLI::App& commandLine, Action& action);
 
+void addBody(CLI::App& commandLine, Action& action);
+void addTree(CLI::App& commandLine, Action& action);
+
 } // namespace VelmaraCommand

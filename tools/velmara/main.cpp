@@ -4,7 +4,6 @@
 #include <cstdio>
 #include <exception>
 #include <iostream>
-#include <vector>
 
 #include "Verb.h"
 
@@ -12,7 +11,10 @@ namespace VelmaraCommand {
 namespace {
 
 /// In the order in which `--help` shows them.
-std::vector<AddVerb> const _verbs{};
+constexpr AddVerb _verbs[] = {
+    addTree,
+    addBody,
+};
 
 int _run(int argc, char** argv)
 {

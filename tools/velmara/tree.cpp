@@ -1,0 +1,196 @@
+// `velmara tree`: one line for each part. The tree is finished first and printed then, because a part
+// learns the length of its body only when the parser leaves it.
+#include <iostream>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include <velmara/Velmara.h>
+
+#include "Input.h"
+#include "PartPath.h"
+#include "Shown.h"
+#include "Verb.h"
+
+namespace VelmaraCommand {
+
+namespace {
+
+using namespace Velmara;
+
+struct Options {
+    std::vector<std::string> files;
+    bool json = false;
+    bool headers = false;
+};
+
+constexpr unsigned long _notSet = 0xFFFFFFFFul;
+
+/// What a line tells of a part.
+struct Facts {
+    std::string mediaType, charset, encoding, name;
+};
+
+std::string _parameter(std::list<TypeAndValue> const& parameters, char const* name)
+{
+    for (TypeAndValue const& parameter : parameters)
+        if (parameter.type() == name) return parameter.value();
+    return std::string();
+}
+
+std::string _plainName(HeaderContainer const& headers, ContentType const& type)
+{
+    ContentDisposition disposition(headers.find(ContentDisposition::htype));
+    std::string name;
+    if (!disposition.isNull()) name = _parameter(disposition.parameters(), "filename");
+    if (name.empty() && !type.isNull()) name = _parameter(type.parameters(), "name");
+    return name;
+}
+
+Facts _factsOf(MimePart& part)
+{
+    Facts facts;
+    ContentType type(part.headers().find(ContentType::htype));
+    if (!type.isNull()) {
+        facts.mediaType = type.mediatypeAsString() + "/" + type.subtypeAsString();
+        facts.charset = type.charset();
+    }
+    ContentEncoding encoding(part.headers().find(ContentEncoding::htype));
+    if (!encoding.isNull()) facts.encoding = stringToLower(encoding.value());
+    facts.name = _plainName(part.headers(), type);
+    return facts;
+}
+
+bool _hasHeaders(PartKind kind)
+{
+    return kind != PartKind::Preamble && kind != PartKind::Epilogue;
+}
+
+void _addWord(std::string& line, char const* label, std::string const& text)
+{
+    if (!text.empty()) line += std::string(" ") + label + shown(text);
+}
+
+std::string _lineOf(PartView const& view)
+{
+    MimePart& part = *view.part;
+    std::string line = view.path + " " + nameOf(view.kind);
+    if (!_hasHeaders(view.kind)) return line;
+    Facts const facts = _factsOf(part);
+    _addWord(line, "", facts.mediaType);
+    _addWord(line, "charset=", facts.charset);
+    _addWord(line, "encoding=", facts.encoding);
+    if (!facts.name.empty()) line += " name=\"" + shown(facts.name) + "\"";
+    std::string const body = part.blen() == _notSet ? "?" : std::to_string(part.blen());
+    return line + " at " + std::to_string(part.sourcePosition()) + ", header " + std::to_string(part.hlen()) +
+           ", body " + body;
+}
+
+class TextPrinter {
+public:
+    explicit TextPrinter(bool headers) : m_headers(headers), m_colour(colourWanted()) {}
+
+    void print(PartView const& view, std::string const& before, std::string const& below)
+    {
+        std::cout << dim(before) << _lineOf(view) << '\n';
+        std::vector<PartView> const children = childrenOf(view);
+        if (m_headers && _hasHeaders(view.kind)) printHeaders(*view.part, below + (children.empty() ? "    " : "│   "));
+        for (size_t i = 0; i < children.size(); ++i) {
+            bool const last = i + 1 == children.size();
+            print(children[i], below + (last ? "└── " : "├── "), below + (last ? "    " : "│   "));
+        }
+    }
+
+private:
+    void printHeaders(MimePart& part, std::string const& before)
+    {
+        for (Header const& header : part.headers().headers())
+            std::cout << dim(before) << shown(header.asString()) << '\n';
+    }
+    std::string dim(std::string const& text) const { return m_colour ? "\033[2m" + text + "\033[0m" : text; }
+
+    bool m_headers;
+    bool m_colour;
+};
+
+Json _jsonHeaders(MimePart& part)
+{
+    Json headers = Json::array();
+    for (Header const& header : part.headers().headers())
+        headers.push_back(Json{{"name", header.type()}, {"value", header.value()}});
+    return headers;
+}
+
+void _setIfAny(Json& json, char const* field, std::string const& text)
+{
+    if (!text.empty()) json[field] = text;
+}
+
+/// Counts what it is given.
+class CountingOutImpl : public MediaOutImpl {
+public:
+    using MediaOutImpl::write;
+    void write(uchar_t const*, uint_t n) override { count += n; }
+    unsigned long count = 0;
+};
+
+unsigned long _decodedSize(MimePart& part)
+{
+    if (part.blen() == 0) return 0; // an empty body that is read again gives the byte in front of it
+    auto* counting = new CountingOutImpl;
+    MediaOut out(counting, false);
+    part.body(true).write(out);
+    return counting->count;
+}
+
+Json _jsonOf(PartView const& view, bool headers)
+{
+    MimePart& part = *view.part;
+    Json json{{"path", view.path}, {"kind", nameOf(view.kind)}};
+    if (_hasHeaders(view.kind)) {
+        Facts const facts = _factsOf(part);
+        _setIfAny(json, "mediaType", facts.mediaType);
+        _setIfAny(json, "charset", facts.charset);
+        _setIfAny(json, "encoding", facts.encoding);
+        _setIfAny(json, "name", facts.name);
+        json["sourcePosition"] = part.sourcePosition();
+        json["hlen"] = part.hlen();
+        json["blen"] = part.blen() == _notSet ? Json(nullptr) : Json(part.blen());
+        if (view.kind == PartKind::Leaf) json["decodedSize"] = _decodedSize(part);
+        if (headers) json["headers"] = _jsonHeaders(part);
+    }
+    Json children = Json::array();
+    for (PartView const& child : childrenOf(view)) children.push_back(_jsonOf(child, headers));
+    if (!children.empty()) json["children"] = std::move(children);
+    return json;
+}
+
+int _showTree(Input& input, Options const& options)
+{
+    Ref<Rfc822Msg> message = Rfc822Msg::parse(input.media());
+    PartView const root = finishedRootOf(*message.get());
+    if (options.json) {
+        writeJsonLine(Json{{"file", input.name()}, {"root", _jsonOf(root, options.headers)}});
+        return Done;
+    }
+    if (options.files.size() > 1) std::cout << shown(input.name()) << ":\n";
+    TextPrinter(options.headers).print(root, "", "");
+    return Done;
+}
+
+} // namespace
+
+void addTree(CLI::App& commandLine, Action& action)
+{
+    auto options = std::make_shared<Options>();
+    CLI::App* verb = commandLine.add_subcommand("tree", "Draw the parts of a message, one line a part");
+    verb->add_option("FILE", options->files, "Message files; \"-\" is standard input")->required();
+    verb->add_flag("--json", options->json, "One JSON object a message");
+    verb->add_flag("--headers", options->headers, "Show each header of each part as it stands");
+    verb->footer("Example: velmara tree --headers mail.eml");
+    verb->callback([options, &action] {
+        action = [options] { return forEachInput(options->files, [&](Input& in) { return _showTree(in, *options); }); };
+    });
+}
+
+} // namespace VelmaraCommand
