@@ -92,8 +92,6 @@ class Entry {
 public:
     enum Place { Ahead, Inside, Behind }; // of the angle brackets; Ahead where there are none
 
-    explicit Entry(bool lenient) : m_lenient(lenient) {}
-
     Place place() const { return m_place; }
     bool isEmpty() const { return m_place == Ahead && m_pieces == 0; }
     bool holdsAddress() const { return m_addressAt != _none || m_pieceAt != _none; }
@@ -124,7 +122,6 @@ private:
     void addToName(Token const& token);
     void addToPiece(Token const& token);
 
-    bool m_lenient;
     Place m_place = Ahead;
     bool m_malformed = false;
 
@@ -221,7 +218,7 @@ void Entry::addToPiece(Token const& token)
         token.spaceBefore && !special && !m_piece.empty() && m_piece.back() != '@' && m_piece.back() != '.';
     if (apart) m_piece += ' ';
     if (_isSpecial(token, '@')) m_pieceAt = m_piece.size();
-    m_dotEnds = m_lenient && !token.spaceBefore && m_pieceAt == _none;
+    m_dotEnds = m_pieces > 1 && !token.spaceBefore && m_pieceAt == _none;
     m_piece += token.kind == AddressScanner::Quoted ? unfolded(token.text) : _shown(token);
 }
 
@@ -250,7 +247,7 @@ class Reader {
 public:
     enum Form { One, List };
 
-    Reader(std::string_view text, Form form, bool lenient) : m_scanner(text), m_form(form), m_lenient(lenient) {}
+    Reader(std::string_view text, Form form) : m_scanner(text), m_form(form) {}
 
     /// False at the end.
     bool next(EmailAddress& address);
@@ -267,7 +264,6 @@ private:
 
     AddressScanner m_scanner;
     Form m_form;
-    bool m_lenient;
     bool m_ended = false;
     bool m_inGroup = false;
     bool m_malformed = false;
@@ -278,7 +274,7 @@ bool Reader::next(EmailAddress& address)
 {
     while (!m_ended) {
         bool const separated = !m_held;
-        Entry entry(m_lenient);
+        Entry entry;
         while (!read(entry)) continue;
         if (entry.isEmpty()) continue;
         // Words behind an address, as in "<a@a.example> (on behalf of) us", are no further address.
@@ -371,7 +367,7 @@ bool Reader::beginGroup(Entry& entry)
     if (entry.isEmpty() || entry.holdsAddress() || m_inGroup || m_form == One) m_malformed = true;
     if (entry.holdsAddress()) return true;
     m_inGroup = true;
-    entry = Entry(m_lenient);
+    entry = Entry();
     return false;
 }
 
@@ -491,7 +487,7 @@ EmailAddress::EmailAddress(std::string const& address, std::string const& displa
 
 EmailAddress EmailAddress::rfc5322Parse(std::string const& text, bool lenient)
 {
-    Reader reader(text, Reader::One, lenient);
+    Reader reader(text, Reader::One);
     EmailAddress first, second;
     bool const found = reader.next(first);
     if (!lenient && (!found || reader.next(second) || reader.isMalformed())) _fail("rfc5322Parse", __LINE__, text);
@@ -500,7 +496,7 @@ EmailAddress EmailAddress::rfc5322Parse(std::string const& text, bool lenient)
 
 std::list<EmailAddress> EmailAddress::rfc5322ParseList(std::string const& text, bool lenient)
 {
-    Reader reader(text, Reader::List, lenient);
+    Reader reader(text, Reader::List);
     std::list<EmailAddress> addresses;
     for (EmailAddress address; reader.next(address);) addresses.push_back(address);
     if (!lenient && (addresses.empty() || reader.isMalformed())) _fail("rfc5322ParseList", __LINE__, text);
@@ -513,7 +509,7 @@ std::list<EmailAddress> EmailAddress::rfc5322ParseList(std::string const& text, 
     Cutter cutter(text, separators);
     EmailAddress address;
     for (std::string_view piece; cutter.next(piece);)
-        if (Reader(piece, Reader::One, true).next(address)) addresses.push_back(address);
+        if (Reader(piece, Reader::One).next(address)) addresses.push_back(address);
     return addresses;
 }
 

@@ -110,6 +110,12 @@ constexpr Known _known[] = {
 
 constexpr size_t _longestScheme = 40;
 
+/// In text a dot ends a sentence, or is part of a name, before it is part of a scheme.
+bool _isSchemeByte(unsigned char c)
+{
+    return isSchemeByte(c) && c != '.';
+}
+
 size_t _slashesFrom(std::string_view text, size_t at)
 {
     size_t const end = std::min(text.find_first_not_of("/\\", at), text.size());
@@ -120,7 +126,7 @@ size_t _slashesFrom(std::string_view text, size_t at)
 Beginning _atColon(std::string_view text, size_t from, size_t colon)
 {
     size_t first = colon;
-    while (first > from && colon - first < _longestScheme && isSchemeByte(_at(text, first - 1))) --first;
+    while (first > from && colon - first < _longestScheme && _isSchemeByte(_at(text, first - 1))) --first;
     std::string_view const scheme = text.substr(first, colon - first);
     for (Known const& row : _known) {
         if (scheme.size() < row.scheme.size()) continue;

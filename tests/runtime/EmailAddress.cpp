@@ -83,6 +83,7 @@ INSTANTIATE_TEST_SUITE_P(
         Row{"WhiteSpaceAroundDots", "<jdoe@test   . example>", "jdoe@test.example|test.example|"},
         Row{"WhiteSpaceAroundTheAt", "j . doe @ a . example", "j.doe@a.example|a.example|"},
         Row{"CommentsAroundDots", "<jdoe@machine(comment).  example>", "jdoe@machine.example|machine.example|"},
+        Row{"WhiteSpaceBehindDots", "j. doe@a. example", "j.doe@a.example|a.example|"},
         Row{"Utf8",
             "J\xc3\xa4n <j\xc3\xa4n@b\xc3\xbc"
             "cher.example>",
