@@ -1,9 +1,14 @@
-// What signatures cost: the normaliser on input that never fills its extract, so all of it is read.
+// What signatures cost: the normaliser on input that never fills its extract, so all of it is read; the
+// image walkers when nobody ends the walk; and whole signatures as callers make them.
 #include <benchmark/benchmark.h>
 
 #include <string>
 
-#include <velmara/Velmara.h>
+#include <velmara/Hasher.h>
+#include <velmara/htm_txt_hash.h>
+#include <velmara/image_walkers.h>
+
+using namespace Velmara;
 
 namespace {
 
@@ -41,6 +46,56 @@ NORMALISE(Uris, "http://www.a.example/path/to/some/page?with=a&query=string ", p
 NORMALISE(OneLine, "words that never end a line so that all of them belong to the first ", plainText);
 NORMALISE(OneLineOfHtml, "words that never end a line &nbsp; so that all of them belong to the first ", html);
 NORMALISE(Letter, "Dear reader,\nthis is a letter that fills the extract after a few lines of text.\n", plainText);
+
+std::string operator""_b(char const* text, size_t n)
+{
+    return std::string(text, n);
+}
+
+int takeAll(unsigned char const* bytes, int count, void*)
+{
+    benchmark::DoNotOptimize(bytes);
+    return 1 + count;
+}
+
+// An image that is a head and then one block over and over.
+void walk(benchmark::State& state, int (*walker)(unsigned char const*, int, image_data_callback, void*),
+          std::string const& head, std::string const& block)
+{
+    std::string const image = head + repeated(block, static_cast<size_t>(state.range(0)));
+    auto const bytes = reinterpret_cast<unsigned char const*>(image.data());
+    for (auto _ : state) benchmark::DoNotOptimize(walker(bytes, static_cast<int>(image.size()), takeAll, nullptr));
+    state.SetBytesProcessed(static_cast<int64_t>(state.iterations()) * static_cast<int64_t>(image.size()));
+}
+
+#define WALK(name, walker, head, block) BENCHMARK_CAPTURE(walk, name, walker, head, block)->Range(4096, 16 << 20)
+
+WALK(JpgSegments, process_jpg, "\xff\xd8", "\xff\xe0\x01\x00"_b + std::string(254, 'c'));
+WALK(JpgFillBytes, process_jpg, "\xff\xd8", "\xff");
+WALK(GifBlocks, process_gif, "GIF89awwhh\0bp,xxyywwhh\0c"_b, "\xff" + std::string(255, 'p'));
+WALK(GifTinyBlocks, process_gif, "GIF89awwhh\0bp,xxyywwhh\0c"_b, "\1p");
+WALK(PngChunks, process_png, "\x89PNG\r\n\x1a\n", "\0\0\x10\0IDAT"_b + std::string(4096, 'p') + "crc.");
+
+void sign(benchmark::State& state, Hasher::DataType type, std::string const& body)
+{
+    Buffer const data(body.data(), static_cast<unsigned int>(body.size()), true);
+    for (auto _ : state) {
+        Hasher hasher = type == Hasher::DataBinary ? Hasher(BinaryHasher())
+                        : type == Hasher::DataGif  ? Hasher(ImageHasher(type))
+                                                   : Hasher(TextHasher(type));
+        hasher.process(data, data.length());
+        benchmark::DoNotOptimize(hasher.digest());
+    }
+}
+
+BENCHMARK_CAPTURE(sign, Letter, Hasher::DataText,
+                  repeated("Dear reader,\nthis is a letter that fills the extract soon enough.\n", 12288));
+BENCHMARK_CAPTURE(sign, Page, Hasher::DataHtml,
+                  "<html><head><title>t</title><style>" + repeated(".a { color: red; }\n", 20000) + "</style><body>" +
+                      repeated("<p>this is a page that <b>fills</b> the extract soon enough</p>\n", 20000));
+BENCHMARK_CAPTURE(sign, Gif, Hasher::DataGif,
+                  "GIF89awwhh\0bp,xxyywwhh\0c"_b + repeated("\xff" + std::string(255, 'p'), 32768));
+BENCHMARK_CAPTURE(sign, Binary, Hasher::DataBinary, std::string(4096, 'b'));
 
 } // namespace
 

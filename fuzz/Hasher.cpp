@@ -1,0 +1,91 @@
+// Hashers over growing prefixes of a body, as callers use them. Each prefix must give what a fresh hasher
+// makes of it alone, and the flags must tell callers the truth, or a caller would wait for data that
+// cannot come.
+#include <velmara/Hasher.h>
+
+#include <cstdint>
+#include <cstdlib>
+#include <string>
+
+#include "tests/hash/Fragments.h"
+#include "tests/hash/ImagePieces.h"
+
+namespace {
+
+using namespace Velmara;
+
+Hasher make(Hasher::DataType type)
+{
+    switch (type) {
+    case Hasher::DataHtml:
+    case Hasher::DataText:
+        return TextHasher(type);
+    case Hasher::DataBinary:
+        return BinaryHasher();
+    default:
+        return ImageHasher(type);
+    }
+}
+
+void require(bool holds)
+{
+    if (!holds) std::abort();
+}
+
+void checkFlags(Hasher const& hasher, bool isBinary)
+{
+    require(hasher.isValid() == (hasher.digest().size() == 16));
+    require(hasher.isValid() == (hasher.digestAsHexString().size() == 32));
+    bool const sourceIsLonger = hasher.dataSourceLength() > hasher.processedDataLength();
+    // A binary hasher never takes back that it asked.
+    if (hasher.isMoreDataRequired() && !isBinary) require(sourceIsLonger);
+    if (!hasher.isValid() && sourceIsLonger) require(hasher.isMoreDataRequired());
+}
+
+void check(Hasher::DataType type, std::string const& body, size_t step)
+{
+    bool const isBinary = type == Hasher::DataBinary;
+    Hasher hasher = make(type);
+    for (size_t n = step; n < body.size() + step; n += step) {
+        Buffer const prefix(body.data(), static_cast<unsigned int>(n < body.size() ? n : body.size()), true);
+        Hasher fresh = make(type);
+        fresh.dataType(hasher.dataType()); // an image may have changed it
+        std::string const before = hasher.digest();
+        fresh.process(prefix, static_cast<unsigned int>(body.size()));
+        hasher.process(prefix, static_cast<unsigned int>(body.size()));
+        require(hasher.digest() == (fresh.isValid() ? fresh.digest() : before));
+        require(hasher.dataType() == fresh.dataType());
+        require(hasher.processedDataLength() == prefix.length());
+        checkFlags(hasher, isBinary);
+        checkFlags(fresh, isBinary);
+    }
+}
+
+} // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t n)
+{
+    if (n < 3) return 0;
+    auto const type = static_cast<Hasher::DataType>(data[0] % 7);
+    size_t const step = 1 + data[1] * 16u;
+    std::string const rest(reinterpret_cast<char const*>(data) + 2, n - 2);
+    std::string body = rest;
+    switch (data[0] / 7 % 5) {
+    case 1:
+        body = textOfFragments(data + 2, n - 2);
+        break;
+    case 2:
+        body = imagepieces::jpg(rest);
+        break;
+    case 3:
+        body = imagepieces::gif(rest);
+        break;
+    case 4:
+        body = imagepieces::png(rest);
+        break;
+    }
+    // Long enough for what is no image at all.
+    if (data[0] >= 128) body += std::string(1100, 'x');
+    check(type, body, body.size() / 64 > step ? body.size() / 64 : step);
+    return 0;
+}
