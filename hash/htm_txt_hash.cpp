@@ -32,10 +32,9 @@ namespace {
 constexpr std::string_view _uri_marks = R"(;/?:@&=+$,[]\#-_.!~*'()%)";
 static_assert(_uri_marks.size() == 24);
 
-// Bytes of URIs as the signatures know them: control bytes such as NUL, VT and FF belong to them.
+// Bytes of URIs as the signatures know them: ASCII alone, but with control bytes such as NUL, VT and FF.
 constexpr bool _is_uri_byte(unsigned char c)
 {
-    if (c >= 0x80) return false;
     if (c < ' ') return c != '\t' && !isLineEnd(c);
     return isAlnum(c) || _uri_marks.find(static_cast<char>(c)) != std::string_view::npos;
 }
