@@ -23,6 +23,8 @@ set_target_properties(velmara PROPERTIES
     CXX_VISIBILITY_PRESET hidden
     VISIBILITY_INLINES_HIDDEN ON)
 target_compile_features(velmara PUBLIC cxx_std_17)
+# Calls between our own exported functions are not meant to be replaced from outside: they are inlined.
+target_compile_options(velmara PRIVATE -fno-semantic-interposition)
 set_source_files_properties(${PROJECT_SOURCE_DIR}/runtime/DataPath.cpp PROPERTIES
     COMPILE_DEFINITIONS VELMARA_DATA_ROOT="${VELMARA_DATA_ROOT}")
 target_include_directories(velmara
