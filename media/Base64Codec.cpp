@@ -18,15 +18,15 @@ public:
     CodecBase64Impl() = default;
     explicit CodecBase64Impl(MediaOut const& out) : MediaOutDecoratorImpl(out) {}
 
-    void write(Buffer const& input) override;
-    void write(uchar_t const* bytes, uint_t n) override { write(Buffer(bytes, n, false)); }
+    void write(Buffer const& input) override { write(input.data(), input.length()); }
+    void write(uchar_t const* bytes, uint_t n) override;
 
     void strict(bool on) { m_strict = on; }
     bool strict() const { return m_strict; }
     int status() const { return m_status; }
 
 private:
-    bool writeLetters(Buffer const& input);
+    bool writeLetters(uchar_t const* in, uint_t left);
     void writeCleaned(Buffer const& input);
     bool clean(Buffer const& input);
     void writeEncoded(Buffer const& block);
@@ -40,12 +40,12 @@ private:
     Buffer m_decoded = Buffer(32768, 0); // large enough for any usual line, so that it need not grow
 };
 
-void CodecBase64Impl::write(Buffer const& input)
+void CodecBase64Impl::write(uchar_t const* bytes, uint_t n)
 {
     if (m_status == CodecBase64::StatusRaw)
-        writeRaw(input);
-    else if (!writeLetters(input))
-        writeCleaned(input);
+        writeRaw(Buffer(bytes, n, false));
+    else if (!writeLetters(bytes, n))
+        writeCleaned(Buffer(bytes, n, false));
 }
 
 void CodecBase64Impl::writeRaw(Buffer const& input)
@@ -59,32 +59,32 @@ void CodecBase64Impl::writeRaw(Buffer const& input)
 
 /// The write if it holds, with what is carried, nothing but letters and white space; else false, and
 /// nothing has changed.
-bool CodecBase64Impl::writeLetters(Buffer const& input)
+bool CodecBase64Impl::writeLetters(uchar_t const* in, uint_t left)
 {
-    unsigned int const most = input.length() / 4 * 3 + 8; // the carried group and the decoder's spare byte included
+    unsigned int const most = left / 4 * 3 + 8; // the carried group and the decoder's spare byte included
     if (m_decoded.size() < most) m_decoded.size(most);
+    unsigned char* const decoded = m_decoded.data();
     unsigned char group[4];
     unsigned int begun = 0;
     for (; begun < m_carry.length(); ++begun) group[begun] = m_carry.at(begun);
     if (begun != 0 && m_carry.find('=', 0) >= 0) return false;
 
-    unsigned char const* in = input.data();
-    size_t left = input.length(), written = 0;
+    uint_t written = 0;
     while (left > 0) {
         if (begun == 0 && left >= 4) {
-            Base64Decoded const letters = base64DecodeLetters(in, left, m_decoded.data() + written);
+            Base64Letters const letters = base64DecodeLetters(in, left, decoded + written);
             in += letters.read;
-            left -= letters.read;
-            written += letters.written;
+            left -= static_cast<uint_t>(letters.read);
+            written += static_cast<uint_t>(letters.written);
             if (left == 0) break;
         }
-        unsigned char const kind = base64Kinds[*in];
-        if (kind == Base64Padding || kind == Base64Foreign) return false;
-        if (kind != Base64Space) group[begun++] = *in;
-        ++in;
+        unsigned char const c = *in++, kind = base64Kinds[c];
         --left;
+        if (kind == Base64Space) continue;
+        if (kind == Base64Padding || kind == Base64Foreign) return false;
+        group[begun++] = c;
         if (begun < 4) continue;
-        written += base64DecodeLetters(group, 4, m_decoded.data() + written).written;
+        written += static_cast<uint_t>(base64DecodeLetters(group, 4, decoded + written).written);
         begun = 0;
     }
 
@@ -94,7 +94,7 @@ bool CodecBase64Impl::writeLetters(Buffer const& input)
     }
     if (written == 0) return true;
     m_status = CodecBase64::StatusDecoded;
-    downstream().write(m_decoded.data(), static_cast<uint_t>(written));
+    downstream().write(decoded, written);
     return true;
 }
 

@@ -22,9 +22,14 @@ struct Base64Decoded {
 /// of four characters, and 1 more.
 Base64Decoded base64Decode(unsigned char const* in, size_t n, unsigned char* out);
 
+struct Base64Letters {
+    size_t read;    // characters used, a multiple of 4
+    size_t written; // bytes
+};
+
 /// Decodes whole groups of four letters for as long as there are only such, without white space or
 /// padding. The same room is needed.
-Base64Decoded base64DecodeLetters(unsigned char const* in, size_t n, unsigned char* out);
+Base64Letters base64DecodeLetters(unsigned char const* in, size_t n, unsigned char* out);
 
 /// Appends `n` bytes in Base64, padded, without line ends.
 void base64Encode(unsigned char const* in, size_t n, std::string& out);
