@@ -5,6 +5,7 @@
 #include <velmara/MimePart.h>
 
 #include <velmara/ContentType.h>
+#include <velmara/DecodeMediaIn.h>
 #include <velmara/MimePartVisitor.h>
 #include <velmara/Rfc822MsgParser.h>
 
@@ -94,9 +95,13 @@ bool MimeRfc822Msg::visit(MimePartVisitor* visitor)
     return true;
 }
 
-MediaIn MimeRfc822Msg::body(bool)
+MediaIn MimeRfc822Msg::body(bool decode)
 {
-    return _rewound(m_body);
+    MediaIn body = _rewound(m_body);
+    if (!decode || body.isNull()) return body;
+    ContentEncoding encoding(headers().find(ContentEncoding::htype));
+    ContentType type(headers().find(ContentType::htype));
+    return get_decoded(body, encoding, &type);
 }
 
 void MimeRfc822Msg::write(FileMediaOut& out)

@@ -94,7 +94,9 @@ public:
     ~MimeRfc822Msg() override;
 
     bool visit(MimePartVisitor* visitor) override;
-    /// A closed body is rewound, a live one goes on where the parser stands.
+    /// A closed body is rewound, a live one goes on where the parser stands. With `decode` true a body
+    /// that has a codec, by its transfer encoding or as BinHex by its type, is given decoded, by a
+    /// DecodeMediaIn of its own each time; any other as the plain stream.
     ///
     /// Limits: an empty body that is rewound delivers the byte in front of it.
     MediaIn body(bool decode) override;

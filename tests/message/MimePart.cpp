@@ -8,6 +8,7 @@
 
 #include <unistd.h>
 
+#include <velmara/ContentEncoding.h>
 #include <velmara/MimePartVisitor.h>
 #include <velmara/Rfc822MsgParser.h>
 
@@ -213,11 +214,60 @@ TEST(Bodies, OfASkippedPartIsNeverDecoded)
     EXPECT_EQ("dGV4dA==\n", textOf(part->body(true)));
 }
 
+struct DecodedRow {
+    char const* rule;
+    std::string headers, text, body;
+};
+
+class DecodedBodies : public testing::TestWithParam<DecodedRow> {};
+
+TEST_P(DecodedBodies, FollowTheHeaders)
+{
+    Mail mail(GetParam().headers + "\n\n" + GetParam().text);
+    EXPECT_EQ(GetParam().body, textOf(mail.root().body(true))) << "while it is live";
+    EXPECT_EQ(GetParam().body, textOf(mail.root().body(true))) << "read again, with a new decoder";
+    EXPECT_EQ(GetParam().text, textOf(mail.root().body(false)));
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Rows, DecodedBodies,
+    testing::Values(
+        DecodedRow{"NoHeaders", "A: 1", "dGV4dA==\n", "dGV4dA==\n"},
+        DecodedRow{"Base64", "content-transfer-encoding: BASE64", "dGV4dA==\ndGV4dAo=\n", "texttext\n"},
+        DecodedRow{"QuotedPrintable", "Content-Transfer-Encoding: quoted-printable", "a=3D=\nb\n", "a=b\n"},
+        DecodedRow{"UUEncode", "Content-Transfer-Encoding: x-uuencode", "begin 644 a\n#0V%T\n`\nend\n", "Cat"},
+        DecodedRow{"BinHexByItsType", "Content-Type: application/mac-binhex40",
+                   ":!@%!9%9B9(4dH(3!N!8$!*!%DLe$BA4#p3!!:\n", "Cat"},
+        DecodedRow{"TheEncodingWins", "Content-Type: application/mac-binhex40\nContent-Transfer-Encoding: base64",
+                   "dGV4dA==\n", "text"},
+        DecodedRow{"SevenBit", "Content-Transfer-Encoding: 7bit", "a=3D\n", "a=3D\n"},
+        DecodedRow{"AnUnknownEncoding", "Content-Transfer-Encoding: x", "a=3D\n", "a=3D\n"},
+        DecodedRow{"BrokenBase64ComesRaw", "Content-Transfer-Encoding: base64", "dGV4dA==\n<html>\n", "text<html>\n"}),
+    ruleName);
+
+TEST(Bodies, OfAPartWithinAMultipartAreDecoded)
+{
+    Mail mail(multipart("b", "--b\nContent-Transfer-Encoding: base64\n\ndGV4\ndAo=\n--b\n\nplain\n--b--\n"));
+    auto& parts = mail.multipart();
+    parts.firstChild();
+    EXPECT_EQ("text\n", textOf(parts.nextChild()->body(true)));
+    EXPECT_EQ("plain\n", textOf(parts.nextChild()->body(true)));
+}
+
+TEST(Bodies, WithoutACodecAreThePlainStream)
+{
+    Mail mail("A: 1\n\ntext\n");
+    EXPECT_EQ(mail.root().body(false).get(), mail.root().body(true).get());
+}
+
 TEST(Bodies, ALeafWithoutAStreamHasANullBody)
 {
     MediaIn none;
-    MimeRfc822Msg part(HeaderContainer(), nullptr, none, none);
+    HeaderContainer headers;
+    headers.add(ContentEncoding("base64"), false);
+    MimeRfc822Msg part(headers, nullptr, none, none);
     EXPECT_TRUE(part.body(false).isNull());
+    EXPECT_TRUE(part.body(true).isNull());
 }
 
 // Children.
