@@ -15,6 +15,7 @@
 #include <velmara/ContentEncoding.h>
 #include <velmara/ContentType.h>
 #include <velmara/DecodeMediaIn.h>
+#include <velmara/DynamicGreyListKey.h>
 #include <velmara/EmailAddress.h>
 #include <velmara/Exception.h>
 #include <velmara/Export.h>
@@ -50,6 +51,7 @@
 #include <velmara/StringOperations.h>
 #include <velmara/StringPattern.h>
 #include <velmara/TextHtmlDoc.h>
+#include <velmara/TrustedMTASet.h>
 #include <velmara/TypeAndValue.h>
 #include <velmara/TypedHeader.h>
 #include <velmara/Uri.h>
