@@ -19,6 +19,7 @@
 #include <velmara/EmailAddress.h>
 #include <velmara/Exception.h>
 #include <velmara/Export.h>
+#include <velmara/FileMagic.h>
 #include <velmara/FontSize.h>
 #include <velmara/Hasher.h>
 #include <velmara/HasherImpl.h>
@@ -44,6 +45,8 @@
 #include <velmara/Rfc822Msg.h>
 #include <velmara/Rfc822MsgParser.h>
 #include <velmara/RgbColour.h>
+#include <velmara/SharedMimeInfo.h>
+#include <velmara/SharedMimeType.h>
 #include <velmara/Singleton.h>
 #include <velmara/SmtpClient.h>
 #include <velmara/SmtpResponse.h>
