@@ -101,7 +101,8 @@ constexpr bool _numberedInOrder()
         if (_classifiers[i].number != i) return false;
     return true;
 }
-static_assert(std::size(_classifiers) == 75 && _numberedInOrder(), "the table is indexed by the number");
+static_assert(std::size(_classifiers) == ClassifierNames::count && _numberedInOrder(),
+              "the table is indexed by the number");
 
 struct CategoryRow {
     Names::Category category;

@@ -20,6 +20,9 @@ public:
     /// Two categories are shown as "Clean"; only the first is no reason to call a message spam.
     enum Category { CategoryClean = 0, CategorySession = 1, CategoryBulk = 2, CategoryVirus = 3, CategoryContent = 4 };
 
+    /// Classifiers have the numbers below this.
+    static constexpr ClassifierType count = 75;
+
     static ClassifierNames& instance();
 
     /// The name; "None" for a number above 74.

@@ -60,6 +60,18 @@ silent out "a path that does not exist"
 expect "the body of a container" 2 "$velmara" body samples/newsletter.eml 1.2
 silent out "the body of a container"
 
+expect "links" 0 "$velmara" links 'see http://www.bank.example@0x7f.1/login'
+holds out "$(printf '127.0.0.1\thttp://www.bank.example@0x7f.1/login')" "links"
+expect "links as json" 0 "$velmara" links --json 'mailto:ann@reader.example'
+holds out '{"uri":"mailto:ann@reader.example","scheme":"mailto","host":"reader.example"}' "links as json"
+expect "replies" 0 "$velmara" reply '550 5.7.1 Not today' '199 x'
+holds out "class 5, category 5, detail 0, enhanced 5.7.1: 550 5.7.1 Not today" "replies"
+holds out "not valid: 199 x" "replies"
+expect "names" 0 "$velmara" names
+holds out "$(printf '18\t1 Clean\tGrey List')" "names"
+expect "names as json" 0 "$velmara" names --json
+holds out '{"value":33554432,"name":"Defer Disposition"}' "names as json"
+
 printf 'Subject: \033[31mred\r\nX: \xff\r\n\r\n' >"$work/escape.eml"
 expect "control characters" 0 "$velmara" tree --headers "$work/escape.eml"
 holds out 'Subject: \x1B[31mred' "control characters"

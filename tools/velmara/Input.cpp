@@ -13,7 +13,17 @@ namespace VelmaraCommand {
 
 namespace {
 
-std::string _readStandardIn()
+/// The library's exceptions carry "PATH: REASON" where a file is at fault.
+std::string _reason(Velmara::Exception const& failure, std::string const& path)
+{
+    std::string const& detail = failure.stringParameter();
+    if (detail.empty()) return failure.asString();
+    return detail.compare(0, path.size() + 2, path + ": ") == 0 ? detail.substr(path.size() + 2) : detail;
+}
+
+} // namespace
+
+std::string readStandardIn()
 {
     std::string bytes;
     char block[64 * 1024];
@@ -29,15 +39,19 @@ std::string _readStandardIn()
     }
 }
 
-/// The library's exceptions carry "PATH: REASON" where a file is at fault.
-std::string _reason(Velmara::Exception const& failure, std::string const& path)
+std::vector<std::string> linesOf(std::vector<std::string> const& texts)
 {
-    std::string const& detail = failure.stringParameter();
-    if (detail.empty()) return failure.asString();
-    return detail.compare(0, path.size() + 2, path + ": ") == 0 ? detail.substr(path.size() + 2) : detail;
+    if (!texts.empty() && texts != std::vector<std::string>{"-"}) return texts;
+    std::vector<std::string> lines;
+    std::string const input = readStandardIn();
+    for (size_t at = 0; at < input.size();) {
+        size_t const end = std::min(input.find('\n', at), input.size());
+        lines.push_back(input.substr(at, end - at));
+        if (!lines.back().empty() && lines.back().back() == '\r') lines.back().pop_back();
+        at = end + 1;
+    }
+    return lines;
 }
-
-} // namespace
 
 Input::Input(std::string const& path) : m_name(path == "-" ? "(standard input)" : path)
 {
@@ -45,7 +59,7 @@ Input::Input(std::string const& path) : m_name(path == "-" ? "(standard input)" 
         m_media = Velmara::FileMediaIn(path);
         return;
     }
-    m_standardIn = _readStandardIn();
+    m_standardIn = readStandardIn();
     m_media = Velmara::BufferMediaIn(m_standardIn.data(), m_standardIn.size());
 }
 

@@ -27,6 +27,13 @@ private:
 /// names it and the reason, and the others are still done. Gives the highest status.
 int forEachInput(std::vector<std::string> const& paths, std::function<int(Input&)> const& work);
 
+/// All of standard input.
+std::string readStandardIn();
+
+/// The lines of standard input, without their line ends, where no text or just "-" was given; else the
+/// texts of the command line themselves.
+std::vector<std::string> linesOf(std::vector<std::string> const& texts);
+
 /// One line on standard error: "velmara: PLACE: REASON".
 void complain(std::string const& place, std::string const& reason);
 

@@ -17,6 +17,9 @@ using Action = std::function<int()>;
 using AddVerb = void (*)(CLI::App& commandLine, Action& action);
 
 void addBody(CLI::App& commandLine, Action& action);
+void addLinks(CLI::App& commandLine, Action& action);
+void addNames(CLI::App& commandLine, Action& action);
+void addReply(CLI::App& commandLine, Action& action);
 void addTree(CLI::App& commandLine, Action& action);
 
 } // namespace VelmaraCommand
