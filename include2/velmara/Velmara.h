@@ -58,6 +58,10 @@
 #include <velmara/TypeAndValue.h>
 #include <velmara/TypedHeader.h>
 #include <velmara/Uri.h>
+#include <velmara/Utf2lang.h>
+#include <velmara/VMRStaticCharSetFallbacks.h>
+#include <velmara/VmaraCnv.h>
+#include <velmara/VmaraConv.h>
 #include <velmara/VmaraRefcounted.h>
 #include <velmara/htm_txt_hash.h>
 #include <velmara/image_walkers.h>
