@@ -11,6 +11,7 @@
 #include <velmara/CodecBinHex40.h>
 #include <velmara/CodecQuotedPrintable.h>
 #include <velmara/CodecUUEncode.h>
+#include <velmara/Config.h>
 #include <velmara/ContentDisposition.h>
 #include <velmara/ContentEncoding.h>
 #include <velmara/ContentType.h>
@@ -53,6 +54,7 @@
 #include <velmara/StringContainer.h>
 #include <velmara/StringOperations.h>
 #include <velmara/StringPattern.h>
+#include <velmara/TD.h>
 #include <velmara/TextHtmlDoc.h>
 #include <velmara/TrustedMTASet.h>
 #include <velmara/TypeAndValue.h>

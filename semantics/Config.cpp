@@ -1,0 +1,304 @@
+#include <velmara/Config.h>
+
+#include <array>
+#include <atomic>
+#include <boost/thread/lock_types.hpp>
+#include <boost/thread/shared_mutex.hpp>
+#include <cstdint>
+#include <cstring>
+#include <list>
+#include <mutex>
+#include <optional>
+
+#include <velmara/MediaIn.h>
+#include <velmara/StringOperations.h>
+
+#include "runtime/DataPath.h"
+#include "semantics/Configuration.h"
+
+namespace Velmara {
+
+Config* pconfig = nullptr;
+
+namespace {
+
+constexpr unsigned int _maxRecord = 2047;
+constexpr size_t _maxPath = 255;
+constexpr size_t _maxTags = 9999;
+
+/// A file that may be missing.
+std::optional<FileMediaIn> _opened(std::string const& path)
+{
+    try {
+        return FileMediaIn(path);
+    } catch (Exception const&) {
+        return std::nullopt; // a list that is not installed adds nothing
+    }
+}
+
+/// Whole characters up to the first zero; the missing bytes of a cut one count as zero.
+std::wstring _wordOf(unsigned char const* record, size_t length)
+{
+    std::wstring word;
+    for (size_t at = 0; at < length; at += sizeof(std::uint32_t)) {
+        std::uint32_t character = 0;
+        std::memcpy(&character, record + at, std::min(sizeof character, length - at));
+        if (character == 0) break;
+        word += static_cast<wchar_t>(character);
+    }
+    return word;
+}
+
+size_t _hash(wchar_t const* word, size_t length)
+{
+    std::uint64_t hash = 0x9E3779B97F4A7C15u;
+    for (size_t i = 0; i < length; ++i) {
+        hash = (hash ^ static_cast<std::uint32_t>(word[i])) * 0xFF51AFD7ED558CCDu;
+        hash ^= hash >> 32;
+    }
+    return hash;
+}
+
+} // namespace
+
+void dict::read(std::string const& path)
+{
+    std::optional<FileMediaIn> file = _opened(path);
+    if (!file) return;
+    if (name.empty()) name = path;
+    Buffer record(_maxRecord + 1, 0);
+    for (file->readline(record); !record.isEmpty(); file->readline(record)) {
+        bool const ended = record.at(record.length() - 1) == '\n';
+        unsigned int const length = record.length() - (ended ? 1 : 0);
+        if (length > _maxRecord) break;
+        // Lists are mostly sorted, so the end is the likely place; elsewhere the hint costs nothing.
+        auto const entry = words.emplace_hint(words.end(), _wordOf(record.data(), length), 0);
+        entry->second = static_cast<unsigned int>(words.size() + 1);
+    }
+    index();
+}
+
+void dict::index()
+{
+    size_t slots = 16;
+    while (slots < words.size() + words.size() / 3) slots *= 2;
+    m_slots.assign(slots, nullptr);
+    for (Entry const& entry : words) {
+        size_t at = _hash(entry.first.data(), entry.first.size()) & (slots - 1);
+        while (m_slots[at]) at = (at + 1) & (slots - 1);
+        m_slots[at] = &entry;
+    }
+    m_indexed = words.size();
+}
+
+unsigned int const* dict::find(wchar_t const* word, size_t length) const
+{
+    if (m_indexed != words.size()) { // filled by hand
+        auto const found = words.find(std::wstring(word, length));
+        return found == words.end() ? nullptr : &found->second;
+    }
+    if (m_indexed == 0) return nullptr;
+    size_t const mask = m_slots.size() - 1;
+    for (size_t at = _hash(word, length) & mask; m_slots[at]; at = (at + 1) & mask) {
+        std::wstring const& candidate = m_slots[at]->first;
+        if (candidate.size() == length && std::wmemcmp(candidate.data(), word, length) == 0)
+            return &m_slots[at]->second;
+    }
+    return nullptr;
+}
+
+namespace {
+
+using Languages = std::map<std::string, TD::langID>; // names in lower case
+
+Languages const& _languages()
+{
+    static Languages const* const table = new Languages{
+        {"ibm-864", TD::LanguageArabic},
+        {"iso-8859-6", TD::LanguageArabic},
+        {"macarabic", TD::LanguageArabic},
+        {"windows-1256", TD::LanguageArabic},
+        {"gb18030", TD::LanguageSimplifiedChinese},
+        {"gb2312", TD::LanguageSimplifiedChinese},
+        {"gbk", TD::LanguageSimplifiedChinese},
+        {"hz", TD::LanguageSimplifiedChinese},
+        {"iso-2022-cn", TD::LanguageSimplifiedChinese},
+        {"big5", TD::LanguageTraditionalChinese},
+        {"big5-hkscs", TD::LanguageTraditionalChinese},
+        {"euc-tw", TD::LanguageTraditionalChinese},
+        {"koi8-r", TD::LanguageCyrillic},
+        {"windows-1251", TD::LanguageCyrillic},
+        {"ibm-855", TD::LanguageCyrillic},
+        {"iso-8859-5", TD::LanguageCyrillic},
+        {"iso-ir-111", TD::LanguageCyrillic},
+        {"cp-866", TD::LanguageCyrillic},
+        {"maccyrillic", TD::LanguageCyrillic},
+        {"koi8-u", TD::LanguageCyrillic},
+        {"macukrainian", TD::LanguageCyrillic},
+        {"ibm-862", TD::LanguageHebrew},
+        {"iso-8859-8-i", TD::LanguageHebrew},
+        {"machebrew", TD::LanguageHebrew},
+        {"iso-8859-8", TD::LanguageHebrew},
+        {"windows-1255", TD::LanguageHebrew},
+        {"shift_jis", TD::LanguageJapanese},
+        {"euc-jp", TD::LanguageJapanese},
+        {"iso-2022-jp", TD::LanguageJapanese},
+        {"euc-kr", TD::LanguageKorean},
+        {"iso-2022-kr", TD::LanguageKorean},
+        {"uhc", TD::LanguageKorean},
+        {"johab", TD::LanguageKorean},
+        {"iso-8859-11", TD::LanguageThai},
+        {"tis-620", TD::LanguageThai},
+        {"windows-874", TD::LanguageThai},
+        {"utf-8", TD::LanguageByScript},
+    };
+    return *table;
+}
+
+constexpr size_t _slots = 10;
+
+struct WordFile {
+    size_t slot;
+    char const* name;
+};
+
+/// In this order: the numbers of a list depend on it.
+constexpr WordFile _wordFiles[] = {
+    {TD::LanguageWestern, "xdict-ec-gb.idx"},
+    {TD::LanguageWestern, "e2i.idx"},
+    {TD::LanguageWestern, "Dico_result_38.xdxf.idx"},
+    {TD::LanguageSimplifiedChinese, "xdict-ce-gb.idx"},
+    {TD::LanguageSimplifiedChinese, "xdict-ce-big5.idx"},
+    {TD::LanguageJapanese, "jmdict-ja-en.idx"},
+    {TD::LanguageCyrillic, "rus_eng_full.idx"},
+    {TD::LanguageKorean, "KoreanEnglishDic.idx"},
+    {TD::LanguageHebrew, "Babylon_Hebrew_English.idx"},
+    {TD::LanguageArabic, "ara-eng.index"},
+};
+
+std::string _pathOf(std::string const& dir, char const* file)
+{
+    return (dir + "/" + file).substr(0, _maxPath);
+}
+
+using Tags = std::map<std::string, unsigned int>;
+
+bool _readNumber(FileMediaIn& file, std::uint32_t& number)
+{
+    return file.read(reinterpret_cast<uchar_t*>(&number), sizeof number) == static_cast<int>(sizeof number);
+}
+
+/// Records of a length, a name and a number, until one cannot be read whole.
+Tags _readTags(std::string const& path)
+{
+    Tags tags;
+    std::optional<FileMediaIn> file = _opened(path);
+    if (!file) return tags;
+    std::uint32_t length = 0, number = 0;
+    Buffer name;
+    while (_readNumber(*file, length)) {
+        // A damaged length must not ask for memory that the file cannot fill: pieces are read as they come.
+        name.length(0);
+        if (length != 0) file->read(name, length);
+        if (name.length() != length || !_readNumber(*file, number)) break;
+        if (length != 0) tags[std::string(reinterpret_cast<char const*>(name.data()), length)] = number;
+    }
+    return tags;
+}
+
+} // namespace
+
+struct Config::State {
+    boost::shared_mutex lock; // guards tags
+    Tags tags;
+
+    // A list is published whole and stays for the life of the process: readers need no lock.
+    std::array<std::atomic<dict const*>, _slots> lists{};
+    std::mutex reading; // one readDict at a time
+    std::list<dict> owned;
+    std::atomic<bool> ready{false};
+};
+
+Config::Config() : m_state(new State)
+{}
+
+Config::~Config() = default;
+
+void Config::readDict(std::string const& dir)
+{
+    std::lock_guard<std::mutex> const one(m_state->reading);
+    Tags tags = _readTags(_pathOf(dir, "html.dict"));
+    {
+        boost::unique_lock<boost::shared_mutex> const exclusive(m_state->lock);
+        m_state->tags.swap(tags);
+    }
+    for (size_t slot = 0; slot < _slots; ++slot) {
+        dict list;
+        if (dict const* before = m_state->lists[slot]) {
+            list.name = before->name;
+            list.words = before->words;
+        }
+        for (WordFile const& file : _wordFiles)
+            if (file.slot == slot) list.read(_pathOf(dir, file.name));
+        m_state->owned.push_back(std::move(list));
+        m_state->lists[slot].store(&m_state->owned.back(), std::memory_order_release);
+    }
+}
+
+void Config::initLang()
+{
+    _languages();
+}
+
+unsigned int Config::getHtmlTagIdx(std::string const& name)
+{
+    Tags& tags = m_state->tags;
+    {
+        boost::shared_lock<boost::shared_mutex> const shared(m_state->lock);
+        auto const found = tags.find(name);
+        if (found != tags.end()) return found->second;
+        if (tags.size() > _maxTags) return 0;
+    }
+    boost::unique_lock<boost::shared_mutex> const exclusive(m_state->lock);
+    auto const found = tags.find(name); // another thread may have added it
+    if (found != tags.end()) return found->second;
+    if (tags.size() > _maxTags) return 0;
+    auto const number = static_cast<unsigned int>(tags.size() + 1);
+    tags.emplace(name, number);
+    return number;
+}
+
+TD::langID Config::languageOf(std::string const& charset) const
+{
+    auto const found = _languages().find(stringToLower(charset));
+    return found == _languages().end() ? TD::LanguageWestern : found->second;
+}
+
+dict const& Config::dictionary(TD::langID language) const
+{
+    static dict const empty;
+    size_t const slot = language == TD::LanguageTraditionalChinese ? TD::LanguageSimplifiedChinese : language;
+    dict const* list = slot < _slots ? m_state->lists[slot].load(std::memory_order_acquire) : nullptr;
+    return list ? *list : empty;
+}
+
+bool Config::ready() const
+{
+    return m_state->ready.load(std::memory_order_acquire);
+}
+
+Config& configuration()
+{
+    static auto* const empty = new Config;
+    Config* const config = __atomic_load_n(&pconfig, __ATOMIC_ACQUIRE);
+    return config ? *config : *empty;
+}
+
+void Config::load()
+{
+    readDict(dataPath("/var/spool/etc/dict"));
+    initLang();
+    m_state->ready.store(true, std::memory_order_release);
+}
+
+} // namespace Velmara
