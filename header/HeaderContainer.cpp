@@ -10,6 +10,7 @@
 #include <velmara/HeaderContainer.h>
 
 #include <string_view>
+#include <utility>
 
 #include <velmara/StringOperations.h>
 
@@ -175,6 +176,9 @@ HeaderContainer::HeaderContainer(HeaderContainerImpl* impl, bool addRef)
 
 HeaderContainer::HeaderContainer(HeaderContainer const& other)
     : m_holder(other.m_holder ? new RefCounted<HeaderContainerImpl>(other.m_holder->ptr, true) : nullptr)
+{}
+
+HeaderContainer::HeaderContainer(HeaderContainer&& other) noexcept : m_holder(std::exchange(other.m_holder, nullptr))
 {}
 
 HeaderContainer& HeaderContainer::operator=(HeaderContainer const& other)

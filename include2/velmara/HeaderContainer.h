@@ -52,6 +52,7 @@ public:
     HeaderContainer(HeaderContainerImpl* impl, bool addRef);
     /// Throws Exception (code 4) for a container that holds null; the assignment accepts one.
     HeaderContainer(HeaderContainer const& other);
+    HeaderContainer(HeaderContainer&& other) noexcept;
     HeaderContainer& operator=(HeaderContainer const& other);
     ~HeaderContainer();
 

@@ -51,7 +51,9 @@ public:
     /// A new object is wrapped with `addRef` false.
     MediaIn(MediaInImpl* impl, bool addRef);
     MediaIn(MediaIn const&) = default;
+    MediaIn(MediaIn&&) noexcept = default;
     MediaIn& operator=(MediaIn const&) = default;
+    MediaIn& operator=(MediaIn&&) noexcept = default;
     ~MediaIn() override;
 
     virtual bool atEnd() const;

@@ -2,6 +2,7 @@
 
 #include <atomic>
 #include <cstdint>
+#include <utility>
 
 #include <velmara/Exception.h>
 #include <velmara/Export.h>
@@ -49,7 +50,10 @@ public:
     virtual ~RefCounted()
     {
         RefImpl* object = ptr;
-        if (object && object->count.fetch_sub(1, std::memory_order_acq_rel) == 1) delete object;
+        // A count of 1 is our own: nobody else can change it any more.
+        if (object && (object->count.load(std::memory_order_acquire) == 1 ||
+                       object->count.fetch_sub(1, std::memory_order_acq_rel) == 1))
+            delete object;
     }
     /// Same object, or both null.
     virtual bool operator==(RefCounted const& other) const { return ptr == other.ptr; }
@@ -78,6 +82,13 @@ public:
     Ref& operator=(Ref const& other)
     {
         RefCountedImplCopy(holder, other.holder);
+        return *this;
+    }
+    /// Takes over the holder: what is moved from is a null handle.
+    Ref(Ref&& other) noexcept : holder(std::exchange(other.holder, nullptr)) {}
+    Ref& operator=(Ref&& other) noexcept
+    {
+        if (this != &other) delete std::exchange(holder, std::exchange(other.holder, nullptr));
         return *this;
     }
     virtual ~Ref() { delete holder; }

@@ -196,6 +196,24 @@ TEST(Ref, CopyingAHolderOfNullIsTolerated)
     EXPECT_EQ(nullptr, *assigned);
 }
 
+TEST(Ref, AMovedHandleIsNullAndCountsNothing)
+{
+    int destroyed = 0;
+    Ref<Counted> one(new Counted(&destroyed), false);
+    Counted* const object = one.get();
+    Ref<Counted> two(std::move(one));
+    EXPECT_TRUE(one.isNull());
+    EXPECT_EQ(object, two.get());
+    one = std::move(two);
+    EXPECT_TRUE(two.isNull());
+    EXPECT_EQ(1, one->count);
+    Ref<Counted>& same = one;
+    one = std::move(same);
+    EXPECT_EQ(object, one.get());
+    one = Ref<Counted>();
+    EXPECT_EQ(1, destroyed);
+}
+
 TEST(Ref, CopiesShareTheObject)
 {
     int destroyed = 0;
