@@ -35,13 +35,6 @@ bool BlockMediaInImpl::more()
     return m_at != m_end || nextBlock();
 }
 
-unsigned char const* BlockMediaInImpl::take(size_t n)
-{
-    unsigned char const* bytes = m_at;
-    m_at += n;
-    return bytes;
-}
-
 bool BlockMediaInImpl::atEnd() const
 {
     // Whether a block follows can only be told by fetching it, which changes no byte and no position.
@@ -106,11 +99,6 @@ int BlockMediaInImpl::read(uchar_t* bytes, uint_t n)
         stored += static_cast<uint_t>(piece);
     }
     return static_cast<int>(stored);
-}
-
-unsigned long BlockMediaInImpl::tell() const
-{
-    return m_endPosition - left();
 }
 
 void BlockMediaInImpl::write(MediaOut& out)

@@ -1,5 +1,8 @@
 #pragma once
 
+#include <cstring>
+#include <string_view>
+
 #include <velmara/MediaIn.h>
 
 namespace Velmara {
@@ -15,8 +18,19 @@ public:
     int read(Buffer& all) override;
     int read(std::string& all) override;
     int read(uchar_t* bytes, uint_t n) override;
-    unsigned long tell() const override;
+    unsigned long tell() const final { return m_endPosition - left(); }
     void write(MediaOut& out) override;
+
+    /// What `readline` with a buffer of capacity `most` delivers, without a copy: the line stays where
+    /// it lies until the next read. Empty, with nothing read, unless all of it lies in the present block.
+    std::string_view lineInBlock(size_t most)
+    {
+        size_t const n = most < left() ? most : left();
+        if (n == 0) return std::string_view();
+        void const* lineFeed = std::memchr(m_at, '\n', n);
+        if (!lineFeed) return n == most ? taken(n) : std::string_view();
+        return taken(static_cast<size_t>(static_cast<unsigned char const*>(lineFeed) - m_at) + 1);
+    }
 
 protected:
     /// Makes the block that follows the present one the present one, by `present`; false at the end of
@@ -30,7 +44,13 @@ protected:
 private:
     bool more();
     size_t left() const { return static_cast<size_t>(m_end - m_at); }
-    unsigned char const* take(size_t n);
+    unsigned char const* take(size_t n)
+    {
+        unsigned char const* bytes = m_at;
+        m_at += n;
+        return bytes;
+    }
+    std::string_view taken(size_t n) { return std::string_view(reinterpret_cast<char const*>(take(n)), n); }
 
     unsigned char const* m_at = nullptr;  // next byte
     unsigned char const* m_end = nullptr; // behind the last byte of the block

@@ -142,7 +142,7 @@ void Buffer::makeRoom(unsigned int length)
     m_end = std::min(m_size, m_room - m_start);
 }
 
-void Buffer::append(unsigned char const* bytes, unsigned int n)
+void Buffer::appendSlowly(unsigned char const* bytes, unsigned int n)
 {
     n = roomFor(n);
     if (n == 0) return;

@@ -25,6 +25,11 @@ template <class Deliver> void _gather(MediaInImpl& in, unsigned long wanted, Del
 
 constexpr unsigned long _everything = ~0ul;
 
+[[noreturn]] void _refuse(char const* operation, unsigned int line)
+{
+    throw Exception(operation, 1, "MediaIn", line);
+}
+
 } // namespace
 
 MediaInImpl::MediaInImpl() = default;
@@ -82,10 +87,11 @@ MediaIn::MediaIn(MediaInImpl* impl, bool addRef) : Ref(impl, addRef)
 {}
 MediaIn::~MediaIn() = default;
 
-MediaInImpl& MediaIn::impl(char const* operation, unsigned int line) const
+inline MediaInImpl& MediaIn::impl(char const* operation, unsigned int line) const
 {
-    if (isNull()) throw Exception(operation, 1, "MediaIn", line);
-    return *get();
+    MediaInImpl* found = get();
+    if (!found) _refuse(operation, line);
+    return *found;
 }
 
 bool MediaIn::atEnd() const

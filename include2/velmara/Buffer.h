@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstring>
 #include <string>
 
 #include <velmara/Export.h>
@@ -66,7 +67,13 @@ public:
         else
             append(&byte, 1u);
     }
-    void append(unsigned char const* bytes, unsigned int n);
+    void append(unsigned char const* bytes, unsigned int n)
+    {
+        // For nearly every line there is room. With n 0, n - 1 is no small number.
+        if (n - 1 >= m_end - m_length || m_limit != 0) return appendSlowly(bytes, n);
+        std::memmove(m_bytes + m_start + m_length, bytes, n);
+        m_length += n;
+    }
     void append(unsigned char* bytes, unsigned int n) { append(static_cast<unsigned char const*>(bytes), n); }
     virtual void append(Buffer const& other);
 
@@ -92,6 +99,7 @@ public:
     static bool isValidBase64Char(unsigned char byte);
 
 private:
+    void appendSlowly(unsigned char const* bytes, unsigned int n);
     unsigned int roomFor(unsigned int n);
     void makeRoom(unsigned int length);
     void relocate(unsigned int room);
