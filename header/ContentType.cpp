@@ -10,6 +10,7 @@
 
 #include <velmara/StringOperations.h>
 
+#include "header/MediaTypeOf.h"
 #include "header/ParameterReader.h"
 #include "header/Scan.h"
 #include "runtime/Ascii.h"
@@ -95,7 +96,35 @@ template <class Code> Code _codeOf(std::map<std::string, Code> const& names, std
     return found == names.end() ? Code() : found->second;
 }
 
+/// The media type stands from `start` to `slash`.
+struct _Place {
+    size_t start; // the size of a value without any type
+    size_t slash; // npos where the whole value is parameters
+};
+
+_Place _placeOfType(std::string const& value)
+{
+    size_t const none = value.size();
+    size_t const start = none < 2 ? none : findFrom(value, 0, [](unsigned char c) { return !isBlank(c); });
+    return _Place{start, start == none ? none : value.find('/', start)};
+}
+
+std::string _mediatypeText(std::string const& value, _Place place)
+{
+    if (place.slash == std::string::npos) return "text";
+    std::string text;
+    copyStringToLower(value, text, place.start, place.slash - place.start);
+    return text;
+}
+
 } // namespace
+
+ContentType::MediaType mediaTypeOf(std::string const& value)
+{
+    _Place const place = _placeOfType(value);
+    if (place.start == value.size()) return ContentType::MediaTypeUnknown;
+    return ContentTypeStringMap::instance().findMediaType(_mediatypeText(value, place));
+}
 
 ContentTypeStringMap::ContentTypeStringMap() : m_unknown("MediaTypeUnknown")
 {
@@ -141,23 +170,20 @@ bool ContentTypeImpl::operator==(TypeAndValueImpl const&) const
 
 void ContentTypeImpl::read() const
 {
-    if (m_value.size() < 2) return;
-    size_t const start = findFrom(m_value, 0, [](unsigned char c) { return !isBlank(c); });
-    if (start == m_value.size()) return;
-    ParameterReader parameters(m_value, readTypes(start), ParameterNames::LowerCase);
+    _Place const place = _placeOfType(m_value);
+    if (place.start == m_value.size()) return;
+    m_mediatypeText = _mediatypeText(m_value, place);
+    ParameterReader parameters(m_value, readSubtype(place.start, place.slash), ParameterNames::LowerCase);
     while (parameters.next()) keep(parameters.name(), parameters.value());
 }
 
 /// Gives the index at which the parameters start.
-size_t ContentTypeImpl::readTypes(size_t at) const
+size_t ContentTypeImpl::readSubtype(size_t start, size_t slash) const
 {
-    size_t const slash = m_value.find('/', at);
     if (slash == std::string::npos) {
-        m_mediatypeText = "text";
         m_subtypeText = "plain";
-        return at;
+        return start;
     }
-    copyStringToLower(m_value, m_mediatypeText, at, slash - at);
     size_t const end = findFrom(m_value, slash + 1, [](unsigned char c) { return c == ';' || isLineEnd(c); });
     copyStringToLower(m_value, m_subtypeText, slash + 1, end - (slash + 1));
     if (end == m_value.size()) closeValue();

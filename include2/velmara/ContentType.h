@@ -138,7 +138,7 @@ public:
 
 private:
     void read() const override;
-    size_t readTypes(size_t at) const;
+    size_t readSubtype(size_t start, size_t slash) const;
     void closeValue() const;
     void keep(std::string const& name, std::string const& value) const;
 
