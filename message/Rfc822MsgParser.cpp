@@ -20,13 +20,16 @@
 #include <velmara/ContentType.h>
 #include <velmara/MimePart.h>
 
+#include "header/MediaTypeOf.h"
 #include "runtime/Ascii.h"
+#include "runtime/BlockMediaIn.h"
 
 namespace Velmara {
 
 namespace {
 
 constexpr int _lineSize = 2048;
+constexpr size_t _usualValue = 256; // of a header, folding included
 
 // m_state. The lower four bits tell what ended the last line, the upper ones survive a normal line.
 enum : unsigned short {
@@ -64,11 +67,31 @@ std::string_view _opening(std::string const& closing)
     return std::string_view(closing).substr(0, closing.size() - 2);
 }
 
+struct _Bytes {
+    bool wanted[256];
+};
+
+constexpr _Bytes _colonAndSpace()
+{
+    _Bytes bytes{};
+    for (unsigned c = 0; c < 256; ++c) bytes.wanted[c] = c == ':' || isHeaderSpace(static_cast<unsigned char>(c));
+    return bytes;
+}
+
+/// Index of the first colon or white space.
+size_t _nameEnd(std::string_view line)
+{
+    static constexpr _Bytes ends = _colonAndSpace();
+    size_t at = 0;
+    while (at < line.size() && !ends.wanted[static_cast<unsigned char>(line[at])]) ++at;
+    return at;
+}
+
 /// A header block, one piece of a line at a time. Pieces that continue a line are told from lines by
 /// whether the piece before them had its LF, so a value may be of any length.
 class _HeaderBlock {
 public:
-    _HeaderBlock() : m_list(new HeaderContainerImpl), m_headers(m_list, false) {}
+    _HeaderBlock() : m_list(new HeaderContainerImpl), m_headers(m_list, false) { m_value.reserve(_usualValue); }
 
     /// False for a line that is no part of the block.
     bool take(std::string_view piece)
@@ -84,10 +107,10 @@ public:
         return taken;
     }
 
-    HeaderContainer const& finished()
+    HeaderContainer finished()
     {
         keep();
-        return m_headers;
+        return std::move(m_headers);
     }
 
 private:
@@ -100,8 +123,8 @@ private:
     bool start(std::string_view line)
     {
         // "Subject : x" is no header, and neither is a mailbox's "From someone ..." line.
-        size_t const colon = line.find_first_of(": \t\r\n");
-        if (colon == 0 || colon == std::string_view::npos || line[colon] != ':') return false;
+        size_t const colon = _nameEnd(line);
+        if (colon == 0 || colon == line.size() || line[colon] != ':') return false;
         keep();
         m_name.assign(line, 0, colon);
         m_value.assign(_withoutLeadingSpace(_withoutLineEnd(line.substr(colon + 1))));
@@ -123,7 +146,8 @@ private:
 } // namespace
 
 Rfc822MsgParser::Rfc822MsgParser(MediaIn& in, unsigned int maxDepth)
-    : m_source(in), m_linePos(in.tell()), m_pushback(_lineSize, 0), m_line(_lineSize, 0), m_maxDepth(maxDepth)
+    : m_source(in), m_block(dynamic_cast<BlockMediaInImpl*>(in.get())), m_linePos(in.tell()), m_lineSize(_lineSize),
+      m_maxDepth(maxDepth)
 {}
 
 Rfc822MsgParser::~Rfc822MsgParser()
@@ -134,7 +158,7 @@ Rfc822MsgParser::~Rfc822MsgParser()
 
 void Rfc822MsgParser::bufferSize(unsigned int n)
 {
-    m_pushback.size(n);
+    m_lineSize = n;
     m_line.size(n);
 }
 
@@ -142,32 +166,73 @@ void Rfc822MsgParser::bufferSize(unsigned int n)
 
 void Rfc822MsgParser::readline(Buffer& line)
 {
+    std::string_view inPlace;
+    if (!readInPlace(inPlace, line.size())) return readCopy(line);
+    line.length(0);
+    line.append(reinterpret_cast<uchar_t const*>(inPlace.data()), static_cast<unsigned int>(inPlace.size()));
+}
+
+/// The same without a copy where the source allows it; `room` is for the other cases.
+std::string_view Rfc822MsgParser::nextLine(Buffer& room, unsigned int most)
+{
+    if (room.size() > most) most = room.size();
+    std::string_view inPlace;
+    if (readInPlace(inPlace, most)) return inPlace;
+    if (room.size() < most) room.size(most);
+    readCopy(room);
+    return _text(room);
+}
+
+/// Reads a line that can be used where it lies; false, with nothing read, if there is none.
+inline bool Rfc822MsgParser::readInPlace(std::string_view& line, unsigned int most)
+{
+    if (!m_block || !m_pushback.isEmpty()) return false;
+    unsigned long const position = m_block->tell();
+    line = m_block->lineInBlock(most);
+    if (line.empty()) return false;
+    m_linePos = position;
+    if (endsStream(line)) line = std::string_view();
+    return true;
+}
+
+void Rfc822MsgParser::readCopy(Buffer& line)
+{
     line.length(0);
     if (!m_pushback.isEmpty()) {
         line.append(m_pushback);
         m_pushback.length(0);
         return;
     }
-    m_linePos = m_source.tell();
-    m_source.readline(line);
-    if (line.length() > 2 && line.data()[0] == '-' && line.data()[1] == '-' && isBoundary(line)) {
+    m_linePos = m_source.get()->tell();
+    m_source.get()->readline(line);
+    if (endsStream(_text(line))) line.length(0);
+}
+
+/// Takes notice of the line just read. A delimiter closes the live stream in front of it.
+inline bool Rfc822MsgParser::endsStream(std::string_view line)
+{
+    if (line.size() > 2 && line[0] == '-' && line[1] == '-' && findBoundary(line)) {
         endPStream();
-        m_linePos = m_source.tell();
-        line.length(0);
-    } else {
-        m_state &= static_cast<unsigned short>(~LineEnd);
+        m_linePos = m_source.get()->tell();
+        return true;
     }
+    m_state &= static_cast<unsigned short>(~LineEnd);
+    return false;
 }
 
 bool Rfc822MsgParser::isBoundary(Buffer& line)
 {
-    std::string_view const text = _text(line);
-    if (!canBeDelimiter(text)) return false;
+    return findBoundary(_text(line));
+}
+
+bool Rfc822MsgParser::findBoundary(std::string_view line)
+{
+    if (!canBeDelimiter(line)) return false;
     for (size_t i = m_boundaries.size(); i-- > 0;) {
         std::string const& closing = m_boundaries[i].delimiter;
-        if (closing.empty() || !_startsWith(text, _opening(closing))) continue;
+        if (closing.empty() || !_startsWith(line, _opening(closing))) continue;
         m_state &= static_cast<unsigned short>(~LineEnd);
-        m_state |= _startsWith(text, closing) ? EndBoundaryFound : BoundaryFound;
+        m_state |= _startsWith(line, closing) ? EndBoundaryFound : BoundaryFound;
         while (m_boundaries.size() > i + 1) msgPop();
         return true;
     }
@@ -243,21 +308,25 @@ MediaIn& Rfc822MsgParser::nextPStream()
 
 void Rfc822MsgParser::discardAll()
 {
-    if (MsgParserMediaIn* live = liveStream()) {
-        do live->readline(m_line);
-        while (!m_line.isEmpty() && live->m_parser);
-    }
+    if (MsgParserMediaIn* live = liveStream())
+        while (!live->nextLine(m_line, m_lineSize).empty()) {
+        }
     posLast();
 }
 
 void Rfc822MsgParser::endPStream()
 {
+    dropStream();
+    posLast();
+}
+
+void Rfc822MsgParser::dropStream()
+{
     if (MsgParserMediaIn* live = liveStream()) {
         live->close(m_linePos);
-        m_previous = m_pstream;
+        m_previous = std::move(m_pstream);
     }
     m_pstream.release();
-    posLast();
 }
 
 // Header blocks.
@@ -265,29 +334,38 @@ void Rfc822MsgParser::endPStream()
 HeaderContainer Rfc822MsgParser::header()
 {
     _HeaderBlock block;
-    do readline(m_line);
-    while (!m_line.isEmpty() && block.take(_text(m_line)));
-    endHeader();
+    std::string_view line;
+    do line = nextLine(m_line, m_lineSize);
+    while (!line.empty() && block.take(line));
+    endHeader(line);
     return block.finished();
 }
 
 /// What stopped the block is its empty line, a delimiter, the end, or else the first line of the body.
-void Rfc822MsgParser::endHeader()
+void Rfc822MsgParser::endHeader(std::string_view line)
 {
-    if (_withoutLeadingSpace(_text(m_line)).empty())
+    if (_withoutLeadingSpace(line).empty())
         m_linePos = m_source.tell();
     else
-        m_pushback.append(m_line);
-    if (MsgParserMediaIn* live = liveStream()) live->close(m_linePos);
-    m_pstream.release();
+        m_pushback.append(reinterpret_cast<uchar_t const*>(line.data()), static_cast<unsigned int>(line.size()));
+    dropStream();
 }
 
 void Rfc822MsgParser::sanityCheck(HeaderContainer& headers)
 {
-    if (m_boundaries.empty() || !m_boundaries.back().digest || !headers.find(ContentType::htype).isNull()) return;
+    checkedType(headers);
+}
+
+/// The type that the headers have once they were checked; null if there is none.
+Header const& Rfc822MsgParser::checkedType(HeaderContainer const& headers)
+{
+    Header const& type = headers.find(ContentType::htype);
+    if (!type.isNull() || m_boundaries.empty() || !m_boundaries.back().digest) return type;
     // With the name in its value the header gives no known type, so the entity stays a leaf and only
     // shows what it is. Trees that are compared with stored ones count on it.
-    headers.add(ContentType("Content-Type: message/rfc822"), false);
+    HeaderContainer same(headers);
+    same.add(ContentType("Content-Type: message/rfc822"), false);
+    return headers.headers().back();
 }
 
 // Parts.
@@ -305,9 +383,10 @@ MimePart* Rfc822MsgParser::createRfc822Msg(HeaderContainer const& headers)
 
 MimePart* Rfc822MsgParser::createRfc822Msg(unsigned int level)
 {
-    MediaIn stream = nextPStream();
+    nextPStream();
     unsigned long const position = m_source.tell();
     HeaderContainer const headers = header();
+    MediaIn stream = std::move(m_previous); // the header block's, which ended with it
     MimePart* part = createEntity(headers, stream, level);
     auto const& block = static_cast<MsgParserMediaIn const&>(*stream.get());
     part->sourcePosition(position);
@@ -324,10 +403,8 @@ MimePart* Rfc822MsgParser::createEntity(HeaderContainer const& headers, MediaIn&
 /// came back late to the nested message of a part that is closed; such trees must not grow deeper.
 MimePart* Rfc822MsgParser::createEntity(HeaderContainer const& headers, MediaIn& headerStream, unsigned int level)
 {
-    HeaderContainer checked(headers);
-    sanityCheck(checked);
-    ContentType const type(headers.find(ContentType::htype));
-    ContentType::MediaType const mediatype = type.isNull() ? ContentType::MediaTypeUnknown : type.mediatype();
+    Header const& type = checkedType(headers);
+    ContentType::MediaType const mediatype = type.isNull() ? ContentType::MediaTypeUnknown : mediaTypeOf(type.value());
     level = std::max(level, static_cast<unsigned int>(m_boundaries.size()));
     MimePart* part = nullptr;
     if (mediatype != ContentType::MediaTypeMultipart && mediatype != ContentType::MediaTypeMessage)
@@ -336,8 +413,6 @@ MimePart* Rfc822MsgParser::createEntity(HeaderContainer const& headers, MediaIn&
         part = createLeaf<MimeSkippedPart>(headers, headerStream);
     else if (mediatype == ContentType::MediaTypeMessage)
         part = createMessage(headers, headerStream);
-    else if (type.boundary().empty())
-        part = createLeaf<MimeRfc822Msg>(headers, headerStream);
     else
         part = createMultipart(headers, headerStream, type);
     part->m_level = level;
@@ -352,9 +427,11 @@ template <class Leaf> MimePart* Rfc822MsgParser::createLeaf(HeaderContainer cons
     return m_lastPart;
 }
 
+/// Without a boundary it is a leaf.
 MimePart* Rfc822MsgParser::createMultipart(HeaderContainer const& headers, MediaIn& headerStream,
                                            ContentType const& type)
 {
+    if (type.boundary().empty()) return createLeaf<MimeRfc822Msg>(headers, headerStream);
     auto* part = new MimeRfc822MPart(headers, this, headerStream);
     push(part, "--" + type.boundary() + "--", type.subtype() == ContentType::SubTypeDigest);
     m_state |= MultipartOpened;
@@ -407,8 +484,8 @@ bool Rfc822MsgParser::skipToDelimiter()
         return true;
     }
     m_state = 0;
-    do readline(m_line);
-    while (!m_line.isEmpty());
+    while (!nextLine(m_line, m_lineSize).empty()) {
+    }
     return m_state != 0;
 }
 
@@ -442,12 +519,16 @@ MimePart* Rfc822MsgParser::adopt(MimeRfc822MPart* parent, MimePart* child)
 
 // The stream over a part.
 
-MsgParserMediaIn::MsgParserMediaIn(Rfc822MsgParser* parser) : m_parser(parser), m_in(parser->m_source)
+MsgParserMediaIn::MsgParserMediaIn(Rfc822MsgParser* parser) : m_parser(parser), m_in(parser->m_source.get())
 {
-    m_start = m_end = parser->m_pushback.isEmpty() ? m_in.tell() : parser->m_linePos;
+    addReference(*m_in); // a handle would cost each part two more allocations
+    m_start = m_end = parser->m_pushback.isEmpty() ? m_in->tell() : parser->m_linePos;
 }
 
-MsgParserMediaIn::~MsgParserMediaIn() = default;
+MsgParserMediaIn::~MsgParserMediaIn()
+{
+    RefCounted<MediaInImpl> const counted(m_in, false);
+}
 
 void MsgParserMediaIn::close(unsigned long end)
 {
@@ -458,7 +539,7 @@ void MsgParserMediaIn::close(unsigned long end)
 
 bool MsgParserMediaIn::atEnd() const
 {
-    return !m_parser && m_in.tell() >= m_end;
+    return !m_parser && m_in->tell() >= m_end;
 }
 
 int MsgParserMediaIn::peek() const
@@ -470,10 +551,36 @@ void MsgParserMediaIn::readline(Buffer& line)
 {
     line.length(0);
     if (atEnd()) return;
-    if (!m_parser) return m_in.readline(line);
+    if (!m_parser) return m_in->readline(line);
     m_parser->readline(line);
-    if (!line.isEmpty() || !m_parser) return;
-    // Nobody else tells the part that the input ends here.
+    if (line.isEmpty()) endOfInput();
+}
+
+/// The same without a copy where the source allows it; `room` is for the other cases.
+std::string_view MsgParserMediaIn::nextLine(Buffer& room, unsigned int most)
+{
+    if (atEnd()) return std::string_view();
+    if (!m_parser) return nextOfSource(room, most);
+    std::string_view const line = m_parser->nextLine(room, most);
+    if (line.empty()) endOfInput();
+    return line;
+}
+
+std::string_view MsgParserMediaIn::nextOfSource(Buffer& room, unsigned int most)
+{
+    if (room.size() > most) most = room.size();
+    auto* block = dynamic_cast<BlockMediaInImpl*>(m_in);
+    std::string_view const line = block ? block->lineInBlock(most) : std::string_view();
+    if (!line.empty()) return line;
+    if (room.size() < most) room.size(most);
+    m_in->readline(room);
+    return _text(room);
+}
+
+/// An empty line that no delimiter made. Nobody else tells the part that the input ends here.
+void MsgParserMediaIn::endOfInput()
+{
+    if (!m_parser) return;
     Rfc822MsgParser& parser = *m_parser;
     close(parser.m_linePos);
     parser.posLast();
@@ -483,14 +590,16 @@ void MsgParserMediaIn::readline(Buffer& line)
 template <class Deliver> void MsgParserMediaIn::eachLine(Deliver deliver)
 {
     // Taken out, because the stream may be closed while a line is read into it.
-    std::unique_ptr<Buffer> line = m_spare ? std::move(m_spare) : std::make_unique<Buffer>(_lineSize, 0);
-    while (!atEnd()) {
-        readline(*line);
-        if (line->isEmpty()) return;
-        if (deliver(*line)) continue;
-        if (!atEnd()) m_spare = std::move(line);
-        return;
+    Buffer room;
+    if (m_spare) room = std::move(*m_spare);
+    for (;;) {
+        std::string_view const line = nextLine(room, _lineSize);
+        if (line.empty()) return m_spare.reset();
+        if (!deliver(reinterpret_cast<uchar_t const*>(line.data()), static_cast<unsigned int>(line.size()))) break;
     }
+    if (room.size() == 0) return;
+    if (!m_spare) m_spare = std::make_unique<Buffer>();
+    *m_spare = std::move(room);
 }
 
 int MsgParserMediaIn::read(Buffer& block, uint_t n)
@@ -498,8 +607,8 @@ int MsgParserMediaIn::read(Buffer& block, uint_t n)
     if (n == 0) n = block.size();
     block.length(0);
     if (n == 0) return 0;
-    eachLine([&block, n](Buffer const& line) {
-        block.append(line);
+    eachLine([&block, n](uchar_t const* line, unsigned int length) {
+        block.append(line, length);
         return block.length() < n;
     });
     return static_cast<int>(block.length());
@@ -518,21 +627,21 @@ void MsgParserMediaIn::setpos(unsigned long position)
     if (m_parser) return;
     unsigned long const length = m_end - m_start;
     unsigned long const target = position < length ? m_start + position : m_start + length - 1;
-    if (target != ~0ul) m_in.setpos(target);
+    if (target != ~0ul) m_in->setpos(target);
 }
 
 void MsgParserMediaIn::write(MediaOut& out)
 {
-    if (!m_parser) m_in.setpos(m_start);
-    eachLine([&out](Buffer const& line) {
-        out << line;
+    if (!m_parser) m_in->setpos(m_start);
+    eachLine([&out](uchar_t const* line, unsigned int length) {
+        out << Buffer(line, length, false);
         return true;
     });
 }
 
 unsigned long MsgParserMediaIn::tell()
 {
-    return m_in.tell() - m_start;
+    return m_in->tell() - m_start;
 }
 
 } // namespace Velmara

@@ -11,6 +11,7 @@
 
 namespace Velmara {
 
+class BlockMediaInImpl;
 class ContentType;
 class MimePart;
 class MimeRfc822MPart;
@@ -98,17 +99,26 @@ private:
     bool abandonAbove(MimeRfc822MPart* parent);
     bool skipToDelimiter();
     void push(MimePart* part, std::string const& delimiter, bool digest);
-    void endHeader();
+    void endHeader(std::string_view line);
+    void dropStream();
+    std::string_view nextLine(Buffer& room, unsigned int most);
+    bool readInPlace(std::string_view& line, unsigned int most);
+    void readCopy(Buffer& line);
+    bool endsStream(std::string_view line);
+    bool findBoundary(std::string_view line);
+    Header const& checkedType(HeaderContainer const& headers);
     MsgParserMediaIn* liveStream() const;
     bool canBeDelimiter(std::string_view line);
     void indexDelimiters();
 
     MediaIn m_source;                    // all streams share its position
+    BlockMediaInImpl* m_block;           // the same if its lines can be used where they lie, or null
     std::vector<MBoundary> m_boundaries; // innermost last
     MimePart* m_lastPart = nullptr;      // not owned; its body length is set when the live stream ends
     unsigned long m_linePos;             // where the line last read starts; behind a delimiter or empty line
     Buffer m_pushback;                   // one line that the next readline delivers
-    Buffer m_line;                       // header lines and skipped text
+    Buffer m_line;                       // header lines and skipped text that cannot stay where they lie
+    unsigned int m_lineSize;             // the longest piece of those
     unsigned short m_state = 0;          // what ended the last line, and whether a multipart is new
     unsigned int m_maxDepth;
     MediaIn m_pstream;  // the live stream, null if there is none
@@ -154,10 +164,13 @@ private:
     friend class Rfc822MsgParser;
 
     void close(unsigned long end);
+    void endOfInput();
+    std::string_view nextLine(Buffer& room, unsigned int most);
+    std::string_view nextOfSource(Buffer& room, unsigned int most);
     template <class Deliver> void eachLine(Deliver deliver);
 
     Rfc822MsgParser* m_parser; // not owned; null when closed
-    MediaIn m_in;
+    MediaInImpl* m_in;         // the parser's source; holds one of its counts
     unsigned long m_start;
     unsigned long m_end;             // m_start until closed
     std::unique_ptr<Buffer> m_spare; // work buffer between two block reads, dropped at the end

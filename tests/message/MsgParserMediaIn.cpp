@@ -7,7 +7,7 @@
 namespace Velmara {
 namespace {
 
-std::string text(Buffer const& buffer)
+std::string textOfBuffer(Buffer const& buffer)
 {
     return std::string(reinterpret_cast<char const*>(buffer.data()), buffer.length());
 }
@@ -22,7 +22,7 @@ struct Leaf : Mail {
     {
         Buffer buffer(100, 0);
         body.readline(buffer);
-        return text(buffer);
+        return textOfBuffer(buffer);
     }
     std::string block(unsigned int n, int size = 100)
     {
@@ -30,7 +30,7 @@ struct Leaf : Mail {
         EXPECT_EQ(static_cast<int>(buffer.length()), 0);
         int const told = body.read(buffer, n);
         EXPECT_EQ(static_cast<int>(buffer.length()), told);
-        return text(buffer);
+        return textOfBuffer(buffer);
     }
 
     MediaIn body;
@@ -66,7 +66,7 @@ TEST(LiveStream, IsWrittenFromWhereItStands)
     Buffer out;
     BufferMediaOut target(out);
     leaf.body.write(target);
-    EXPECT_EQ("two\nthree\n", text(out));
+    EXPECT_EQ("two\nthree\n", textOfBuffer(out));
     EXPECT_EQ(14u, leaf.root().blen());
 }
 
@@ -105,7 +105,7 @@ TEST(ClosedStream, ACopyOfTheHandleSharesItsPosition)
     EXPECT_EQ("one\n", leaf.line());
     Buffer buffer(100, 0);
     copy.readline(buffer);
-    EXPECT_EQ("two\n", text(buffer));
+    EXPECT_EQ("two\n", textOfBuffer(buffer));
 }
 
 TEST(ClosedStream, IsWrittenFromItsStart)
@@ -117,7 +117,7 @@ TEST(ClosedStream, IsWrittenFromItsStart)
     BufferMediaOut target(out);
     leaf.body.write(target);
     leaf.body.write(target);
-    EXPECT_EQ("one\ntwo\nthree\none\ntwo\nthree\n", text(out));
+    EXPECT_EQ("one\ntwo\nthree\none\ntwo\nthree\n", textOfBuffer(out));
 }
 
 TEST(ClosedStream, APositionCountsFromItsStart)
@@ -189,9 +189,9 @@ TEST(Reading, ABlockReplacesWhatTheBufferHeld)
     Leaf leaf;
     Buffer buffer("old", 3, true);
     leaf.body.read(buffer, 1);
-    EXPECT_EQ("one\n", text(buffer));
+    EXPECT_EQ("one\n", textOfBuffer(buffer));
     leaf.body.readline(buffer);
-    EXPECT_EQ("two\n", text(buffer));
+    EXPECT_EQ("two\n", textOfBuffer(buffer));
 }
 
 TEST(Reading, LinesOfABlockAreCutAt2048Bytes)
@@ -202,6 +202,22 @@ TEST(Reading, LinesOfABlockAreCutAt2048Bytes)
     EXPECT_EQ(2048u, buffer.length());
     mail.root().body(false).read(buffer, 2049);
     EXPECT_EQ(2953u, buffer.length());
+}
+
+TEST(Reading, GivesTheSameFromASourceOfSingleBytes)
+{
+    std::string text = "A: 1\n\n";
+    for (size_t i = 0; i < 100; ++i) text += std::string(i * 51, 'x') + "\n";
+    Mail memory(text), bytes(bytewise(text));
+    for (int round = 0; round < 2; ++round) {
+        MediaIn first = memory.root().body(false), second = bytes.root().body(false);
+        Buffer one(100, 0), other(100, 0);
+        for (unsigned int n = 1; first.read(one, n * 97) > 0; ++n) {
+            second.read(other, n * 97);
+            ASSERT_EQ(textOfBuffer(one), textOfBuffer(other));
+        }
+        EXPECT_EQ(0, second.read(other, 1));
+    }
 }
 
 TEST(Reading, ALineLongerThanTheBufferComesInPieces)
@@ -221,7 +237,7 @@ TEST(Reading, AllThatRemainsComesAtOnce)
     first.line();
     Buffer buffer;
     first.body.read(buffer);
-    EXPECT_EQ("two\nthree\n", text(buffer));
+    EXPECT_EQ("two\nthree\n", textOfBuffer(buffer));
     std::string all;
     second.body.read(all);
     EXPECT_EQ("one\ntwo\nthree\n", all);

@@ -2,6 +2,11 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdio>
+#include <fstream>
+
+#include <unistd.h>
+
 #include <velmara/ContentType.h>
 
 #include "support/HeaderText.h"
@@ -33,6 +38,12 @@ TEST_P(Trees, WithLf)
 TEST_P(Trees, WithCrLf)
 {
     EXPECT_EQ(withCrLf(GetParam().expected), contents(withCrLf(GetParam().mail)));
+}
+
+TEST_P(Trees, FromASourceOfSingleBytes)
+{
+    EXPECT_EQ(GetParam().expected, contents(Mail(bytewise(GetParam().mail)).root()));
+    EXPECT_EQ(shape(GetParam().mail), shape(Mail(bytewise(GetParam().mail)).root()));
 }
 
 INSTANTIATE_TEST_SUITE_P(
@@ -300,6 +311,11 @@ TEST_P(HeaderBlocks, WithLf)
     EXPECT_EQ(GetParam().expected, shown(Mail(GetParam().block).root().headers().headers()));
 }
 
+TEST_P(HeaderBlocks, FromASourceOfSingleBytes)
+{
+    EXPECT_EQ(GetParam().expected, shown(Mail(bytewise(GetParam().block)).root().headers().headers()));
+}
+
 TEST_P(HeaderBlocks, WithCrLf)
 {
     EXPECT_EQ(GetParam().expected, shown(Mail(withCrLf(GetParam().block)).root().headers().headers()));
@@ -469,6 +485,23 @@ TEST(LongLines, TheReadersBufferDecidesWhereABodyIsCut)
 {
     Mail mail(multipart("b", std::string(2048, 'x') + "--b\n\none\n"));
     EXPECT_EQ("multipart(preamble[" + std::string(2048, 'x') + "--b\n\none\n])", contents(mail.root()));
+}
+
+TEST(LongLines, AreCutAlikeInEverySource)
+{
+    // Lines of 1 to 5000 bytes, so that blocks of a file end at many places in a line.
+    std::string mail = "Content-Type: multipart/mixed; boundary=b\n\n";
+    for (size_t i = 0; i < 200; ++i) {
+        mail += "--b\nA: " + std::string(i * 37 % 5000, 'h') + "\n" + std::string(i * 2048 / 100, ' ') + "\n\n";
+        mail += std::string(i * 25, 'x') + "--b" + std::string(i % 5, '\n');
+    }
+    std::string const path = testing::TempDir() + "velmara_lines_" + std::to_string(::getpid());
+    std::ofstream(path, std::ios::binary) << mail;
+    std::string const expected = contents(Mail(bytewise(mail)).root());
+    EXPECT_EQ(expected, contents(mail));
+    EXPECT_EQ(expected, contents(Mail(FileMediaIn(path)).root()));
+    EXPECT_EQ(shape(Mail(bytewise(mail)).root()), shape(Mail(FileMediaIn(path)).root()));
+    std::remove(path.c_str());
 }
 
 TEST(LongLines, ABoundaryLongerThanALineIsNeverFound)

@@ -53,6 +53,26 @@ private:
     bool const m_bodies;
 };
 
+class _Bytewise : public MediaInImpl {
+public:
+    explicit _Bytewise(std::string const& text) : m_text(text) {}
+    bool atEnd() const override { return m_at == m_text.size(); }
+    int peek() const override { return atEnd() ? -1 : static_cast<uchar_t>(m_text[m_at]); }
+    unsigned long tell() const override { return m_at; }
+    void setpos(unsigned long position) override { m_at = position; }
+    using MediaInImpl::read;
+    int read(uchar_t* bytes, uint_t n) override
+    {
+        uint_t stored = 0;
+        while (stored < n && !atEnd()) bytes[stored++] = static_cast<uchar_t>(m_text[m_at++]);
+        return static_cast<int>(stored);
+    }
+
+private:
+    std::string const m_text;
+    size_t m_at = 0;
+};
+
 std::string _described(MimePart& part, bool bodies)
 {
     _Describer describer(bodies);
@@ -62,7 +82,10 @@ std::string _described(MimePart& part, bool bodies)
 
 } // namespace
 
-Mail::Mail(std::string const& text) : in(text), message(Rfc822Msg::parse(in))
+Mail::Mail(std::string const& text) : Mail(BufferMediaIn(text))
+{}
+
+Mail::Mail(MediaIn const& source) : in(source), message(Rfc822Msg::parse(in))
 {}
 
 std::string shape(MimePart& part)
@@ -83,6 +106,11 @@ std::string contents(MimePart& part)
 std::string contents(std::string const& text)
 {
     return contents(Mail(text).root());
+}
+
+MediaIn bytewise(std::string const& text)
+{
+    return MediaIn(new _Bytewise(text), false);
 }
 
 std::string textOf(MediaIn in)

@@ -10,6 +10,7 @@ namespace Velmara {
 /// A message over its own copy of a text.
 struct Mail {
     explicit Mail(std::string const& text);
+    explicit Mail(MediaIn const& source);
 
     MimePart& root() const { return *message->root(); }
     MimeRfc822MPart& multipart() const { return dynamic_cast<MimeRfc822MPart&>(root()); }
@@ -17,7 +18,7 @@ struct Mail {
     /// A child of a root that is a multipart, all of which is parsed.
     MimePart& child(size_t index) const { return **multipart().parts().at(index); }
 
-    BufferMediaIn in;
+    MediaIn in;
     Ref<Rfc822Msg> message;
 };
 
@@ -30,6 +31,9 @@ std::string shape(std::string const& text);
 /// "multipart(preamble[] leaf[text\n] epilogue[])".
 std::string contents(MimePart& part);
 std::string contents(std::string const& text);
+
+/// A stream that has nothing but single bytes, so that each line of it is a copy.
+MediaIn bytewise(std::string const& text);
 
 /// All lines from the present position on.
 std::string textOf(MediaIn in);
