@@ -9,7 +9,7 @@
 #include <stdexcept>
 
 #include "html/Events.h"
-#include "html/SmallStack.h"
+#include "support/SmallStack.h"
 
 namespace Velmara {
 namespace HTML {

@@ -5,7 +5,7 @@
 
 #include <stdexcept>
 
-#include "html/SmallStack.h"
+#include "support/SmallStack.h"
 
 namespace Velmara {
 namespace {

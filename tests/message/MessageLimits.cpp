@@ -3,16 +3,15 @@
 #include <gtest/gtest.h>
 
 #include <malloc.h>
-#include <pthread.h>
 
 #include <algorithm>
 #include <cstdlib>
-#include <functional>
 
 #include <velmara/MimePartVisitor.h>
 #include <velmara/Rfc822Msg.h>
 
 #include "support/Shape.h"
+#include "support/SmallStack.h"
 
 #if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
 constexpr bool canCount = false; // the sanitizer has an allocator of its own
@@ -217,22 +216,6 @@ TEST(Allocations, GrowWithTheLogarithmOfAFoldedHeader)
 }
 
 // Stack.
-
-/// Runs in a thread with 256 KiB of stack.
-void onSmallStack(std::function<void()> work)
-{
-    pthread_attr_t attributes;
-    pthread_attr_init(&attributes);
-    pthread_attr_setstacksize(&attributes, 256 * 1024);
-    pthread_t thread;
-    auto const run = [](void* function) -> void* {
-        (*static_cast<std::function<void()>*>(function))();
-        return nullptr;
-    };
-    ASSERT_EQ(0, pthread_create(&thread, &attributes, run, &work));
-    pthread_join(thread, nullptr);
-    pthread_attr_destroy(&attributes);
-}
 
 TEST(Stack, OfASmallThreadIsEnoughForTheDeepestTree)
 {
