@@ -157,6 +157,7 @@ bool MagicIndex::found(Node const& node, Content content) const
     std::int64_t const last = std::min(node.end, static_cast<std::int64_t>(content.length) - node.length);
     if (last < node.start) return false;
     uchar_t const* const first = content.data + node.start;
+    if (last == node.start) return same(node, first);
     if (node.compare == AsItStands)
         return ::memmem(first, static_cast<size_t>(last - node.start) + node.length, m_bytes.data() + node.value,
                         node.length);
