@@ -129,6 +129,20 @@ INSTANTIATE_TEST_SUITE_P(
             "xcdxabx", true}),
     ruleName);
 
+TEST(ContentCost, DepthDoesNotMultiplyLength)
+{
+    std::string open, close;
+    for (int depth = 0; depth < 50; ++depth) {
+        open += R"(<match type="string" value="a" mask="0xdf" offset="0:4000">)";
+        close += "</match>";
+    }
+    auto const database =
+        databaseWith("<mime-type type=\"a/b\"><magic>" + open + R"(<match type="byte" value="62" offset="0:4000"/>)" +
+                     close + "</magic></mime-type>");
+    EXPECT_EQ("text/plain", database->mimeType(bytes(std::string(5000, 'a')), "")); // at once, not in 4000^50 steps
+    EXPECT_EQ("a/b", database->mimeType(bytes(std::string(3000, 'a') + "b"), ""));
+}
+
 // ---- which test and which pattern win ---------------------------------------------------------
 
 char const* const _documents = R"(

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <map>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -31,16 +32,17 @@ public:
         return data.size() < 2 ? "ErrorNoMatched" : sniffed(data);
     }
 
-    bool isKindOf(std::string const& type, std::string const& parent, int depth = 0) const
+    /// `below` holds the names on the way to this one: parents may form rings.
+    bool isKindOf(std::string const& type, std::string const& parent, std::set<std::string> below = {}) const
     {
-        if (depth > 64) return false; // rings
+        if (!below.insert(type).second) return false;
         for (SharedMimeType const& record : m_types) {
             if (record.mimeType.empty() || record.mimeType != type) continue;
             if (type == parent) return true;
             if (type.substr(0, 5) == "text/" && parent == "text/plain") return true;
             if (type.substr(0, 6) != "inode/" && parent == "application/octet-stream") return true;
             for (std::string const& above : record.subClassOf)
-                if (!above.empty() && isKindOf(above, parent, depth + 1)) return true;
+                if (!above.empty() && isKindOf(above, parent, below)) return true;
         }
         return false;
     }
