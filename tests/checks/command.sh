@@ -60,6 +60,31 @@ silent out "a path that does not exist"
 expect "the body of a container" 2 "$velmara" body samples/newsletter.eml 1.2
 silent out "the body of a container"
 
+cat >"$work/types.xml" <<'XML'
+<mime-info><mime-type type="application/zip">
+<magic priority="60"><match type="string" value="PK\003\004" offset="0"/></magic><glob pattern="*.x"/></mime-type>
+<mime-type type="x/letter"><sub-class-of type="application/zip"/><glob pattern="*.docx"/></mime-type></mime-info>
+XML
+printf 'PK\003\004...' >"$work/report.docx"
+expect "a type" 0 "$velmara" type --database "$work/types.xml" "$work/report.docx"
+holds out "$work/report.docx: x/letter, no code" "a type"
+expect "a type explained" 0 "$velmara" type --database "$work/types.xml" --explain "$work/report.docx"
+holds out "    name:    x/letter by *.docx, weight 50" "a type explained"
+holds out '    content: application/zip by string "PK\x03\x04" at 0, priority 60' "a type explained"
+holds out "    because: the content is a container, and the name tells which kind" "a type explained"
+expect "types as json" 0 "$velmara" type --database "$work/types.xml" --explain --json "$work/report.docx" "$work/types.xml"
+holds out '"type":"x/letter","code":0,"reason":"name-within-container","globs":[{"type":"x/letter","pattern":"*.docx"' \
+    "types as json"
+holds out '"type":"text/plain","code":23,"reason":"looks-like-text","globs":[],"magic":[]}' "types as json"
+"$velmara" type --database "$work/types.xml" - <"$work/report.docx" >"$work/out" 2>&1
+holds out "(standard input): application/zip, code 15" "a type without a name"
+expect "a missing type database" 2 "$velmara" type --database /nowhere/types.xml "$work/report.docx"
+holds err "velmara: type database: /nowhere/types.xml: No such file or directory" "a missing type database"
+expect "a broken type database" 2 "$velmara" type --database "$work/report.docx" "$work/report.docx"
+holds err "velmara: type database: $work/report.docx: " "a broken type database"
+expect "the installed type database" 0 "$velmara" type samples/newsletter.eml
+holds out "samples/newsletter.eml: message/rfc822, code 7" "the installed type database"
+
 expect "links" 0 "$velmara" links 'see http://www.bank.example@0x7f.1/login'
 holds out "$(printf '127.0.0.1\thttp://www.bank.example@0x7f.1/login')" "links"
 expect "links as json" 0 "$velmara" links --json 'mailto:ann@reader.example'

@@ -56,6 +56,7 @@ std::vector<std::string> linesOf(std::vector<std::string> const& texts)
 Input::Input(std::string const& path) : m_name(path == "-" ? "(standard input)" : path)
 {
     if (path != "-") {
+        m_fileName = path.substr(path.rfind('/') + 1);
         m_media = Velmara::FileMediaIn(path);
         return;
     }

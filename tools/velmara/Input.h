@@ -16,9 +16,12 @@ public:
 
     Velmara::MediaIn& media() { return m_media; }
     std::string const& name() const { return m_name; }
+    /// The last part of the path; "" for standard input.
+    std::string const& fileName() const { return m_fileName; }
 
 private:
-    std::string m_name;       // as people should see it
+    std::string m_name; // as people should see it
+    std::string m_fileName;
     std::string m_standardIn; // its bytes, for it may be a pipe and the parser goes back and forth
     Velmara::MediaIn m_media;
 };

@@ -21,5 +21,6 @@ void addLinks(CLI::App& commandLine, Action& action);
 void addNames(CLI::App& commandLine, Action& action);
 void addReply(CLI::App& commandLine, Action& action);
 void addTree(CLI::App& commandLine, Action& action);
+void addType(CLI::App& commandLine, Action& action);
 
 } // namespace VelmaraCommand

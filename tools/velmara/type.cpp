@@ -1,0 +1,176 @@
+// `velmara type`: what a file is by its content and its name, and on demand why.
+#include <iostream>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include <velmara/Exception.h>
+#include <velmara/SharedMimeInfo.h>
+
+#include "Input.h"
+#include "Shown.h"
+#include "Verb.h"
+
+namespace VelmaraCommand {
+
+namespace {
+
+using namespace Velmara;
+using Match = SharedMimeType::Magic::Match;
+using Why = MimeTypeExplanation;
+
+struct Options {
+    std::vector<std::string> files;
+    std::string database;
+    bool json = false;
+    bool explain = false;
+};
+
+/// All tests of the database that people use lie within.
+constexpr unsigned _lookedAt = 64 * 1024;
+
+struct ReasonRow {
+    Why::Reason reason;
+    char const* name; // of JSON, where it is an interface
+    char const* text;
+};
+
+constexpr ReasonRow _reasons[] = {
+    {Why::EmptyInput, "empty-input", "there is neither a name nor content"},
+    {Why::NothingMatched, "nothing-matched", "no pattern fits the name, and there is no content"},
+    {Why::LooksLikeText, "looks-like-text", "nothing fits, and the first bytes look like text"},
+    {Why::LooksBinary, "looks-binary", "nothing fits, and the first bytes do not look like text"},
+    {Why::NameAlone, "name-alone", "no test holds for the content; of the patterns kept, the first counts"},
+    {Why::ContentAlone, "content-alone", "no pattern fits the name; the first test of the highest priority counts"},
+    {Why::ContentOverName, "content-over-name", "content beats the name"},
+    {Why::NameWithinContainer, "name-within-container", "the content is a container, and the name tells which kind"},
+    {Why::ContainerWithoutName, "container-without-name",
+     "the content is a container, and the name stands for no kind of it"},
+};
+
+constexpr bool _inOrder()
+{
+    int next = Why::EmptyInput;
+    for (ReasonRow const& row : _reasons)
+        if (row.reason != next++) return false;
+    return next == Why::ContainerWithoutName + 1;
+}
+static_assert(_inOrder(), "_reasons is indexed by reason");
+
+char const* _kindOf(Match const& match)
+{
+    constexpr char const* kinds[] = {"string", "big16", "big32", "host16", "host32", "little16", "little32", "byte"};
+    return kinds[match.type];
+}
+
+std::string _placesOf(Match const& match)
+{
+    std::string const start = std::to_string(match.offsetStart);
+    return match.offsetStart == match.offsetEnd ? start : start + ":" + std::to_string(match.offsetEnd);
+}
+
+/// `string "PK" at 0`
+std::string _testOf(Match const& match)
+{
+    std::string text = std::string(_kindOf(match)) + " \"" + shown(match.value) + "\" at " + _placesOf(match);
+    if (match.hasMask) text += " under the mask " + shown(match.mask);
+    if (!match.matches.empty()) text += ", and one of " + std::to_string(match.matches.size()) + " within it";
+    return text;
+}
+
+Json _jsonOf(Why::GlobHit const& hit)
+{
+    return Json{{"type", hit.type->mimeType},
+                {"pattern", hit.glob->pattern},
+                {"weight", hit.glob->weight},
+                {"ignoreCase", hit.glob->ignoreCase},
+                {"kept", hit.kept}};
+}
+
+Json _jsonOf(Why::MagicHit const& hit)
+{
+    Json json{
+        {"type", hit.type->mimeType}, {"priority", hit.magic->priority},       {"test", _kindOf(*hit.match)},
+        {"value", hit.match->value},  {"offsetStart", hit.match->offsetStart}, {"offsetEnd", hit.match->offsetEnd}};
+    if (hit.match->hasMask) json["mask"] = hit.match->mask;
+    json["nested"] = hit.match->matches.size();
+    return json;
+}
+
+template <class Hits> Json _jsonOf(Hits const& hits)
+{
+    Json json = Json::array();
+    for (auto const& hit : hits) json.push_back(_jsonOf(hit));
+    return json;
+}
+
+void _showJson(std::string const& file, Why const& why, unsigned int code, bool explain)
+{
+    Json json{{"file", file}, {"type", *why.mimeType}, {"code", code}};
+    if (explain) {
+        json["reason"] = _reasons[why.reason].name;
+        json["globs"] = _jsonOf(why.globs);
+        json["magic"] = _jsonOf(why.magics);
+    }
+    writeJsonLine(json);
+}
+
+void _showReasons(Why const& why)
+{
+    for (Why::GlobHit const& hit : why.globs)
+        std::cout << "    name:    " << shown(hit.type->mimeType) << " by " << shown(hit.glob->pattern) << ", weight "
+                  << hit.glob->weight << (hit.kept ? "\n" : ", dropped for a heavier or longer one\n");
+    for (Why::MagicHit const& hit : why.magics)
+        std::cout << "    content: " << shown(hit.type->mimeType) << " by " << _testOf(*hit.match) << ", priority "
+                  << hit.magic->priority << '\n';
+    std::cout << "    because: " << _reasons[why.reason].text << '\n';
+}
+
+int _tellType(Input& input, SharedMimeInfoImpl const& database, Options const& options)
+{
+    Buffer start(static_cast<int>(_lookedAt), 0);
+    input.media().read(start, _lookedAt);
+    Why const why = database.explain(start, input.fileName());
+    unsigned int const code = database.type(*why.mimeType);
+    if (options.json)
+        _showJson(input.name(), why, code, options.explain);
+    else {
+        std::cout << shown(input.name()) << ": " << shown(*why.mimeType) << ", "
+                  << (code ? "code " + std::to_string(code) : "no code") << '\n';
+        if (options.explain) _showReasons(why);
+    }
+    return Done;
+}
+
+int _tellTypes(SharedMimeInfoImpl const& database, Options const& options)
+{
+    return forEachInput(options.files, [&](Input& in) { return _tellType(in, database, options); });
+}
+
+int _run(Options const& options)
+{
+    try {
+        if (!options.database.empty()) return _tellTypes(SharedMimeInfoImpl(options.database), options);
+        return _tellTypes(SharedMimeInfoImpl::instance(), options);
+    } catch (Exception const& failure) {
+        complain("type database", failure.stringParameter());
+        return WrongUseOrUnreadable;
+    }
+}
+
+} // namespace
+
+void addType(CLI::App& commandLine, Action& action)
+{
+    auto options = std::make_shared<Options>();
+    CLI::App* verb = commandLine.add_subcommand("type", "Tell what files are by their content and name");
+    verb->add_option("FILE", options->files, "Files of any kind; \"-\" is standard input, which has no name")
+        ->required();
+    verb->add_flag("--json", options->json, "One JSON object a file");
+    verb->add_flag("--explain", options->explain, "Show what fits the name and the content, and what decided");
+    verb->add_option("--database", options->database, "A shared-mime-info file other than the installed one");
+    verb->footer("Example: velmara type --explain report.docx");
+    verb->callback([options, &action] { action = [options] { return _run(*options); }; });
+}
+
+} // namespace VelmaraCommand
