@@ -81,7 +81,7 @@ std::string unfolded(std::string_view quoted)
     return line;
 }
 
-AddressScanner::Token AddressScanner::next()
+AddressScanner::Token AddressScanner::next(bool encodedWords)
 {
     m_space = m_behindComment;
     for (;; skipStray()) {
@@ -93,7 +93,7 @@ AddressScanner::Token AddressScanner::next()
         if (c == '"' && (end = quotedEnd()) != _none) return take(Quoted, end);
         if (c == '(' && (end = commentEnd()) != _none) return take(Comment, end);
         if (c == '[' && (end = literalEnd()) != _none) return take(Literal, end);
-        if (c == '=' && (end = encodedWordEnd()) != _none) return take(Word, end);
+        if (c == '=' && encodedWords && (end = encodedWordEnd()) != _none) return take(Encoded, end);
         if (c != '"' && c != '(' && c != ')') return take(Word, wordEnd());
     }
 }
@@ -115,7 +115,7 @@ bool AddressScanner::skipSpace()
     return m_at > begin;
 }
 
-/// A bracket separates words, a quote does not.
+/// A parenthesis separates words, a quote does not.
 void AddressScanner::skipStray()
 {
     m_stray = true;
@@ -152,12 +152,12 @@ size_t AddressScanner::commentEnd()
     return _none;
 }
 
-size_t AddressScanner::literalEnd()
+/// What looks like another address is not hidden by a bracket.
+size_t AddressScanner::literalEnd() const
 {
-    if (!m_behindAt || !m_literalsEnd) return _none;
-    size_t const end = m_text.find(']', m_at);
-    m_literalsEnd = end != _none;
-    return m_literalsEnd ? end + 1 : _none;
+    if (!m_behindAt) return _none;
+    size_t const end = m_text.find_first_of("[]<>@,;\"", m_at + 1);
+    return end != _none && m_text[end] == ']' ? end + 1 : _none;
 }
 
 /// Encoded words may hold any character but white space here: mailers leave commas in them.

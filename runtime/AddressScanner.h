@@ -12,7 +12,7 @@ namespace Velmara {
 /// partner. A domain literal is looked for behind "@" only, so subjects such as "[list]" are words.
 class AddressScanner {
 public:
-    enum Kind { End, Word, Quoted, Comment, Literal, Special };
+    enum Kind { End, Word, Encoded, Quoted, Comment, Literal, Special };
     struct Token {
         Kind kind;
         std::string_view text; // with its quotes or brackets; of Special one of "<>@,;:."
@@ -21,7 +21,8 @@ public:
 
     explicit AddressScanner(std::string_view text) : m_text(text) {}
 
-    Token next();
+    /// Encoded words belong to names; within an address what looks like one is a word.
+    Token next(bool encodedWords);
     /// Something so far was no token, or a byte that no token may hold.
     bool foundStray() const { return m_stray; }
 
@@ -32,7 +33,7 @@ private:
     size_t wordEnd() const;
     size_t quotedEnd();
     size_t commentEnd();
-    size_t literalEnd();
+    size_t literalEnd() const;
     size_t encodedWordEnd();
 
     std::string_view m_text;
@@ -40,8 +41,8 @@ private:
     bool m_space = false; // ahead of m_at
     bool m_behindAt = false, m_behindComment = false;
     bool m_stray = false;
-    bool m_quotesEnd = true, m_commentsEnd = true, m_literalsEnd = true; // false: none does from here on
-    size_t m_marker = 0, m_blank = 0; // the next "?=" and white space, where they are ahead of m_at
+    bool m_quotesEnd = true, m_commentsEnd = true; // false: none does from here on
+    size_t m_marker = 0, m_blank = 0;              // the next "?=" and white space, where they are ahead of m_at
 };
 
 /// A byte of RFC 5322's atoms, or of UTF-8.

@@ -67,6 +67,14 @@ constexpr bool isSchemeByte(unsigned char c)
     return isAlnum(c) || c == '+' || c == '-' || c == '.';
 }
 
+/// Without the white space (blank, tab, CR, LF) at both ends.
+constexpr std::string_view trimmed(std::string_view text)
+{
+    while (!text.empty() && isHeaderSpace(static_cast<unsigned char>(text.front()))) text.remove_prefix(1);
+    while (!text.empty() && isHeaderSpace(static_cast<unsigned char>(text.back()))) text.remove_suffix(1);
+    return text;
+}
+
 /// Equal without regard to ASCII case; a NUL is a byte like others.
 constexpr bool sameNoCase(std::string_view a, std::string_view b)
 {

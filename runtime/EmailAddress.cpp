@@ -18,7 +18,6 @@
 #include <tuple>
 
 #include <velmara/Exception.h>
-#include <velmara/StringOperations.h>
 
 #include "runtime/AddressScanner.h"
 #include "runtime/Ascii.h"
@@ -34,13 +33,6 @@ using Token = AddressScanner::Token;
 bool _isSpecial(Token const& token, char c)
 {
     return token.kind == AddressScanner::Special && token.text[0] == c;
-}
-
-std::string _trimmed(std::string text)
-{
-    stringRightTrim(text);
-    stringLeftTrim(text);
-    return text;
 }
 
 /// Words with dots between them, as the local part and the domain of a well-formed address are.
@@ -62,7 +54,8 @@ bool _isDotted(std::string_view part, bool quotesAllowed)
 
 bool _isLiteral(std::string_view domain)
 {
-    return domain.size() >= 2 && domain.front() == '[' && domain.back() == ']';
+    return !domain.empty() && domain.front() == '[' && domain.find_first_of("[]<>@,;\" ", 1) == domain.size() - 1 &&
+           domain.back() == ']';
 }
 
 /// Of a phrase, without quotes.
@@ -130,6 +123,7 @@ private:
     size_t m_pieceAt = _none; // its last "@"
     size_t m_pieceInName = 0; // where it begins in the name
     size_t m_pieces = 0;      // begun ahead of the brackets
+    bool m_nameOnly = false;  // the piece is an encoded word, of which nothing is part of an address
     bool m_dotEnds = false;   // the piece ends in the dot of an abbreviation ("Q. Public")
     std::string m_comment;    // what only other comments follow
 
@@ -145,13 +139,14 @@ void Entry::add(Token const& token)
     if (m_place == Ahead) {
         if (beginsPiece(token)) beginPiece();
         addToName(token);
+        m_nameOnly = token.kind == AddressScanner::Encoded;
     }
-    addToPiece(token);
+    if (!m_nameOnly) addToPiece(token);
 }
 
 void Entry::addComment(Token const& token)
 {
-    if (m_place != Inside && m_comment.empty()) m_comment = _trimmed(unquoted(token.text));
+    if (m_place != Inside && m_comment.empty()) m_comment = trimmed(unquoted(token.text));
 }
 
 void Entry::open()
@@ -159,12 +154,13 @@ void Entry::open()
     if (m_place == Inside || holdsAddress()) m_malformed = true;
     m_comment.clear();
     clearPiece();
+    m_nameOnly = false;
     m_place = Inside;
 }
 
 bool Entry::beginsPiece(Token const& token) const
 {
-    if (m_pieces == 0) return true;
+    if (m_pieces == 0 || m_nameOnly || token.kind == AddressScanner::Encoded) return true;
     char const last = m_piece.back();
     bool const joined = _isSpecial(token, '@') || _isSpecial(token, '.') || last == '@' || (last == '.' && !m_dotEnds);
     return token.spaceBefore && !joined;
@@ -210,6 +206,12 @@ void Entry::addToName(Token const& token)
     m_name += _shown(token);
 }
 
+/// The bracket of a literal that nothing closes: with it, what follows could close it after all.
+std::string_view _withoutBracket(std::string_view domain)
+{
+    return domain.substr(std::min(domain.find_first_not_of('['), domain.size()));
+}
+
 /// Words that stand apart within brackets belong to no well-formed address; they stay apart.
 void Entry::addToPiece(Token const& token)
 {
@@ -219,7 +221,12 @@ void Entry::addToPiece(Token const& token)
     if (apart) m_piece += ' ';
     if (_isSpecial(token, '@')) m_pieceAt = m_piece.size();
     m_dotEnds = m_pieces > 1 && !token.spaceBefore && m_pieceAt == _none;
-    m_piece += token.kind == AddressScanner::Quoted ? unfolded(token.text) : _shown(token);
+    if (token.kind == AddressScanner::Quoted)
+        m_piece += unfolded(token.text);
+    else if (token.kind == AddressScanner::Word && !m_piece.empty() && m_piece.back() == '@')
+        m_piece += _withoutBracket(token.text);
+    else
+        m_piece += _shown(token);
 }
 
 void Entry::finish(bool acceptBareWord)
@@ -254,7 +261,7 @@ public:
     bool isMalformed() const { return m_malformed || m_inGroup || m_scanner.foundStray(); }
 
 private:
-    Token scan();
+    Token scan(bool encodedWords);
     bool read(Entry& entry);
     bool readAhead(Entry& entry, Token const& token);
     bool readInside(Entry& entry, Token const& token);
@@ -287,9 +294,9 @@ bool Reader::next(EmailAddress& address)
     return false;
 }
 
-Token Reader::scan()
+Token Reader::scan(bool encodedWords)
 {
-    Token const token = m_held ? *m_held : m_scanner.next();
+    Token const token = m_held ? *m_held : m_scanner.next(encodedWords);
     m_held.reset();
     return token;
 }
@@ -297,7 +304,7 @@ Token Reader::scan()
 /// One token; true when the entry is over.
 bool Reader::read(Entry& entry)
 {
-    Token const token = scan();
+    Token const token = scan(entry.place() != Entry::Inside);
     m_ended = token.kind == AddressScanner::End;
     if (m_ended) return true;
     if (token.kind == AddressScanner::Comment) {
@@ -443,9 +450,10 @@ size_t _lastAt(std::string const& address)
     return at;
 }
 
-/// Can stand without angle brackets.
+/// Can stand without angle brackets: outside of them an encoded word would be a name.
 bool _isPlain(std::string const& address)
 {
+    if (address.find("=?") != _none) return false;
     size_t const at = _lastAt(address);
     return at == _none ? _isDotted(address, false) : _isWellFormed(address, at);
 }
