@@ -27,10 +27,12 @@
 #include <velmara/Header.h>
 #include <velmara/HeaderContainer.h>
 #include <velmara/HeaderValues.h>
+#include <velmara/HeaderWithEmailAddress.h>
 #include <velmara/HostName.h>
 #include <velmara/HtmlDocVisitor.h>
 #include <velmara/HtmlParser.h>
 #include <velmara/IPAddress.h>
+#include <velmara/ListId.h>
 #include <velmara/Logger.h>
 #include <velmara/MPartAttribute.h>
 #include <velmara/MailHeaderMedia.h>
@@ -41,8 +43,11 @@
 #include <velmara/MimePartVisitor.h>
 #include <velmara/MimeVersion.h>
 #include <velmara/Mutex.h>
+#include <velmara/Received.h>
 #include <velmara/RefHeaderList.h>
+#include <velmara/References.h>
 #include <velmara/Regex.h>
+#include <velmara/Rfc2369ListHeader.h>
 #include <velmara/Rfc822Msg.h>
 #include <velmara/Rfc822MsgParser.h>
 #include <velmara/RgbColour.h>

@@ -10,7 +10,12 @@
 #include <velmara/ContentEncoding.h>
 #include <velmara/ContentType.h>
 #include <velmara/HeaderContainer.h>
+#include <velmara/HeaderWithEmailAddress.h>
+#include <velmara/ListId.h>
 #include <velmara/MimeVersion.h>
+#include <velmara/Received.h>
+#include <velmara/References.h>
+#include <velmara/Rfc2369ListHeader.h>
 #include <velmara/StringOperations.h>
 
 namespace Velmara {
@@ -18,7 +23,8 @@ namespace {
 
 template <class T> class TypedHeaders : public testing::Test {};
 
-using All = testing::Types<ContentType, ContentEncoding, ContentDisposition, MimeVersion>;
+using All = testing::Types<ContentType, ContentEncoding, ContentDisposition, MimeVersion, Received, References, ListId,
+                           HeaderFrom, HeaderMessageId, HeaderTo, HeaderReferences, HeaderListHelp>;
 TYPED_TEST_SUITE(TypedHeaders, All);
 
 TYPED_TEST(TypedHeaders, KnowTheirNameEvenWhenNull)
@@ -170,10 +176,12 @@ TYPED_TEST(TypedHeaders, KeepTheOrderOfTheirVirtualOperations)
 
 // Made while the program is still being loaded, when the names must be there already.
 ContentType const madeAtLoad(Header("content-type", "text/html"));
+HeaderTo const addressedAtLoad(Header("to", "a@a.example"));
 
 TEST(TypedHeader, CanBeMadeAtLoad)
 {
     EXPECT_EQ("Content-Type: text/html", madeAtLoad.asString());
+    EXPECT_EQ("To: a@a.example", addressedAtLoad.asString());
 }
 
 TEST(TypedHeader, NamesAreThese)
@@ -182,6 +190,23 @@ TEST(TypedHeader, NamesAreThese)
     EXPECT_EQ("Content-Type", ContentType::htype);
     EXPECT_EQ("Content-Transfer-Encoding", ContentEncoding::htype);
     EXPECT_EQ("Content-Disposition", ContentDisposition::htype);
+    EXPECT_EQ("Received", Received::htype);
+    EXPECT_EQ("References", References::htype);
+    EXPECT_EQ("List-Id", ListId::htype);
+    EXPECT_EQ("From", HeaderFrom::htype);
+    EXPECT_EQ("Reply-To", HeaderReplyTo::htype);
+    EXPECT_EQ("In-Reply-To", HeaderInReplyTo::htype);
+    EXPECT_EQ("Return-Path", HeaderReturnPath::htype);
+    EXPECT_EQ("Message-ID", HeaderMessageId::htype);
+    EXPECT_EQ("To", HeaderTo::htype);
+    EXPECT_EQ("Cc", HeaderCc::htype);
+    EXPECT_EQ("References", HeaderReferences::htype);
+    EXPECT_EQ("List-Help", HeaderListHelp::htype);
+    EXPECT_EQ("List-Post", HeaderListPost::htype);
+    EXPECT_EQ("List-Owner", HeaderListOwner::htype);
+    EXPECT_EQ("List-Archive", HeaderListArchive::htype);
+    EXPECT_EQ("List-Subscribe", HeaderListSubscribe::htype);
+    EXPECT_EQ("List-Unsubscribe", HeaderListUnsubscribe::htype);
 }
 
 // Headers that differ by their name alone: the accessors stand in a base between Header and each of them.
