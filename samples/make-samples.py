@@ -228,5 +228,17 @@ def broken():
         b"text behind the end\r\n"))
 
 
-for make in (newsletter, forwards, attachments, charsets, bounce, broken):
+def layouts():
+    """The same words twice, in another layout and with other names and amounts."""
+    head = [("From", "desk@office.example"), ("To", "ann@reader.example"), ("MIME-Version", "1.0"),
+            ("Content-Type", "text/plain; charset=us-ascii")]
+    save("reminder.eml", entity(head + [("Subject", "Reminder")],
+         "Please remember the meeting about the garden budget, Mr Smythe.\n\n"
+         "Bring the invoice and the signed contract with you: 1200.50 are due.\n"))
+    save("reminder-relaid.eml", entity(head + [("Subject", "REMINDER!")],
+         "Ms Qxzw 17.03.2026,\n--\nPLEASE   remember the meeting about   the GARDEN budget, Mr. Jqkx.\n"
+         "    bring the invoice and THE signed contract. with you: 99.95 are due.\n"), crlf=True)
+
+
+for make in (layouts, newsletter, forwards, attachments, charsets, bounce, broken):
     make()

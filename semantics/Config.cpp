@@ -15,6 +15,7 @@
 
 #include "runtime/DataPath.h"
 #include "semantics/Configuration.h"
+#include "semantics/DataFile.h"
 
 namespace Velmara {
 
@@ -22,92 +23,8 @@ Config* pconfig = nullptr;
 
 namespace {
 
-constexpr unsigned int _maxRecord = 2047;
 constexpr size_t _maxPath = 255;
 constexpr size_t _maxTags = 9999;
-
-/// A file that may be missing.
-std::optional<FileMediaIn> _opened(std::string const& path)
-{
-    try {
-        return FileMediaIn(path);
-    } catch (Exception const&) {
-        return std::nullopt; // a list that is not installed adds nothing
-    }
-}
-
-/// Whole characters up to the first zero; the missing bytes of a cut one count as zero.
-std::wstring _wordOf(unsigned char const* record, size_t length)
-{
-    std::wstring word;
-    for (size_t at = 0; at < length; at += sizeof(std::uint32_t)) {
-        std::uint32_t character = 0;
-        std::memcpy(&character, record + at, std::min(sizeof character, length - at));
-        if (character == 0) break;
-        word += static_cast<wchar_t>(character);
-    }
-    return word;
-}
-
-size_t _hash(wchar_t const* word, size_t length)
-{
-    std::uint64_t hash = 0x9E3779B97F4A7C15u;
-    for (size_t i = 0; i < length; ++i) {
-        hash = (hash ^ static_cast<std::uint32_t>(word[i])) * 0xFF51AFD7ED558CCDu;
-        hash ^= hash >> 32;
-    }
-    return hash;
-}
-
-} // namespace
-
-void dict::read(std::string const& path)
-{
-    std::optional<FileMediaIn> file = _opened(path);
-    if (!file) return;
-    if (name.empty()) name = path;
-    Buffer record(_maxRecord + 1, 0);
-    for (file->readline(record); !record.isEmpty(); file->readline(record)) {
-        bool const ended = record.at(record.length() - 1) == '\n';
-        unsigned int const length = record.length() - (ended ? 1 : 0);
-        if (length > _maxRecord) break;
-        // Lists are mostly sorted, so the end is the likely place; elsewhere the hint costs nothing.
-        auto const entry = words.emplace_hint(words.end(), _wordOf(record.data(), length), 0);
-        entry->second = static_cast<unsigned int>(words.size() + 1);
-    }
-    index();
-}
-
-void dict::index()
-{
-    size_t slots = 16;
-    while (slots < words.size() + words.size() / 3) slots *= 2;
-    m_slots.assign(slots, nullptr);
-    for (Entry const& entry : words) {
-        size_t at = _hash(entry.first.data(), entry.first.size()) & (slots - 1);
-        while (m_slots[at]) at = (at + 1) & (slots - 1);
-        m_slots[at] = &entry;
-    }
-    m_indexed = words.size();
-}
-
-unsigned int const* dict::find(wchar_t const* word, size_t length) const
-{
-    if (m_indexed != words.size()) { // filled by hand
-        auto const found = words.find(std::wstring(word, length));
-        return found == words.end() ? nullptr : &found->second;
-    }
-    if (m_indexed == 0) return nullptr;
-    size_t const mask = m_slots.size() - 1;
-    for (size_t at = _hash(word, length) & mask; m_slots[at]; at = (at + 1) & mask) {
-        std::wstring const& candidate = m_slots[at]->first;
-        if (candidate.size() == length && std::wmemcmp(candidate.data(), word, length) == 0)
-            return &m_slots[at]->second;
-    }
-    return nullptr;
-}
-
-namespace {
 
 using Languages = std::map<std::string, TD::langID>; // names in lower case
 
@@ -192,7 +109,7 @@ bool _readNumber(FileMediaIn& file, std::uint32_t& number)
 Tags _readTags(std::string const& path)
 {
     Tags tags;
-    std::optional<FileMediaIn> file = _opened(path);
+    std::optional<FileMediaIn> file = openedIfThere(path);
     if (!file) return tags;
     std::uint32_t length = 0, number = 0;
     Buffer name;

@@ -15,6 +15,12 @@ struct VELMARA_EXPORT dict {
     std::string name;                           // path of the first file read into it
     std::map<std::wstring, unsigned int> words; // word to number
 
+    dict();
+    dict(dict const& other);
+    dict(dict&& other) noexcept;
+    dict& operator=(dict other) noexcept;
+    ~dict();
+
     /// Adds the words of a file: records of UTF-32 in native byte order, a 32-bit zero and one LF byte.
     /// A word gets the number of words after it plus one; a word read again takes the new number. A
     /// record without its zero ends at the LF, an empty record is the empty word, and a record of more
@@ -24,12 +30,15 @@ struct VELMARA_EXPORT dict {
     unsigned int const* find(wchar_t const* word, size_t length) const;
 
 private:
+    class Batch;
     using Entry = std::map<std::wstring, unsigned int>::value_type;
-    void index();
+    void reindex(size_t count);
+    void index(Entry& entry);
+    void place(Entry& entry);
+    Entry* entryOf(wchar_t const* word, size_t length) const;
 
-    // Open addressing over the entries of `words`; used while it covers them all, since a text asks for
-    // hundreds of words and a large map answers from cold memory.
-    std::vector<Entry const*> m_slots;
+    // Open addressing over the entries of `words`; used while it covers them all.
+    std::vector<Entry*> m_slots;
     size_t m_indexed = 0;
 };
 

@@ -97,6 +97,14 @@ holds out "$(printf '18\t1 Clean\tGrey List')" "names"
 expect "names as json" 0 "$velmara" names --json
 holds out '{"value":33554432,"name":"Defer Disposition"}' "names as json"
 
+expect "tokens" 0 "$velmara" tokens samples/reminder.eml
+cp "$work/out" "$work/tokens"
+[ "$(wc -w <"$work/tokens")" -gt 8 ] || { echo "tokens: hardly a word was known" >&2; failed=1; }
+expect "tokens of the same words in another layout" 0 "$velmara" tokens samples/reminder-relaid.eml
+cmp -s "$work/out" "$work/tokens" || { echo "tokens: the layout changed them" >&2; failed=1; }
+expect "tokens as json" 0 "$velmara" tokens --json samples/russian.eml
+holds out '"language":"Cyrillic","charset":"koi8-r"' "tokens as json"
+
 printf 'Subject: \033[31mred\r\nX: \xff\r\n\r\n' >"$work/escape.eml"
 expect "control characters" 0 "$velmara" tree --headers "$work/escape.eml"
 holds out 'Subject: \x1B[31mred' "control characters"

@@ -150,6 +150,39 @@ TEST(Dict, WordsAddedByHandAfterReadingAreFoundToo)
     EXPECT_EQ(2u, *list.find(L"read", 4));
 }
 
+TEST(Dict, ACopyIsIndependentOfTheOriginal)
+{
+    DictionaryFiles const files;
+    files.writeWords("list", {L"read"});
+    dict copy;
+    {
+        dict list;
+        list.read(files.dir() + "/list");
+        copy = list;
+        dict const moved(std::move(list));
+        EXPECT_EQ(2u, *moved.find(L"read", 4));
+    }
+    EXPECT_EQ(2u, *copy.find(L"read", 4));
+    EXPECT_EQ(nullptr, copy.find(L"rea", 3));
+}
+
+TEST(Dict, NumbersAreThoseOfOneRecordAfterAnotherWhateverTheSize)
+{
+    DictionaryFiles const files;
+    std::vector<std::wstring> records;
+    for (unsigned int i = 0; i < 200000; ++i) records.push_back(std::to_wstring(i * 7919 % 150000));
+    files.writeWords("list", records);
+    std::map<std::wstring, unsigned int> expected;
+    for (std::wstring const& record : records) {
+        expected.emplace(record, 0);
+        expected[record] = static_cast<unsigned int>(expected.size() + 1);
+    }
+    dict list;
+    list.read(files.dir() + "/list");
+    EXPECT_EQ(expected, list.words);
+    for (auto const& [word, number] : expected) ASSERT_EQ(number, *list.find(word.data(), word.size()));
+}
+
 TEST_F(ConfigTest, TagsComeFromTheirFile)
 {
     files.write("html.dict",

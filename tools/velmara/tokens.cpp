@@ -1,0 +1,119 @@
+// `velmara tokens`: for each text part its language, character set and token string.
+#include <chrono>
+#include <iostream>
+#include <memory>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include <velmara/Velmara.h>
+
+#include "Input.h"
+#include "PartPath.h"
+#include "Shown.h"
+#include "Verb.h"
+
+namespace VelmaraCommand {
+
+namespace {
+
+using namespace Velmara;
+
+struct Options {
+    std::vector<std::string> files;
+    bool json = false;
+};
+
+constexpr char const* _languages[] = {"western",  "Arabic", "simplified Chinese", "traditional Chinese",
+                                      "Cyrillic", "Hebrew", "Japanese",           "Korean",
+                                      "Thai"};
+
+/// Loading goes on while other programs work; here nothing can be said before it has ended.
+void _waitForWordLists()
+{
+    while (!TD::s_initConfig()) std::this_thread::sleep_for(std::chrono::milliseconds(2));
+}
+
+bool _isPlainText(ContentType const& type)
+{
+    return type.isNull() ||
+           (type.mediatype() == ContentType::MediaTypeText && type.subtype() != ContentType::SubTypeHtml);
+}
+
+std::string _numbers(TD const& tokens)
+{
+    std::string text;
+    for (wchar_t number : tokens.tokens())
+        text += (text.empty() ? "" : " ") + std::to_string(static_cast<unsigned int>(number));
+    return text;
+}
+
+Json _jsonOf(PartView const& view, TD const& tokens)
+{
+    Json json{{"path", view.path}, {"language", _languages[tokens.language()]}, {"charset", tokens.charset()}};
+    json["tokens"] = Json::array();
+    for (wchar_t number : tokens.tokens()) json["tokens"].push_back(static_cast<unsigned int>(number));
+    return json;
+}
+
+class TokenPrinter {
+public:
+    explicit TokenPrinter(bool json) : m_json(json) {}
+
+    void print(PartView const& view)
+    {
+        if (view.kind == PartKind::Leaf) printLeaf(view);
+        for (PartView const& child : childrenOf(view)) print(child);
+    }
+    Json const& parts() const { return m_parts; }
+
+private:
+    void printLeaf(PartView const& view)
+    {
+        ContentType const type(view.part->headers().find(ContentType::htype));
+        if (!_isPlainText(type)) return;
+        std::string const charset = type.isNull() || type.charset().empty() ? "us-ascii" : type.charset();
+        std::string body;
+        if (view.part->blen() != 0) view.part->body(true).read(body);
+        Buffer const text =
+            VmaraConv::toUtf8(charset, body.data(), static_cast<unsigned int>(body.size()), 0, true, true);
+        TD const tokens(std::string(reinterpret_cast<char const*>(text.data()), text.length()), charset);
+        if (m_json)
+            m_parts.push_back(_jsonOf(view, tokens));
+        else
+            std::cout << view.path << ' ' << _languages[tokens.language()] << ' ' << shown(tokens.charset()) << ": "
+                      << _numbers(tokens) << '\n';
+    }
+
+    bool m_json;
+    Json m_parts = Json::array();
+};
+
+int _showTokens(Input& input, Options const& options)
+{
+    Ref<Rfc822Msg> message = Rfc822Msg::parse(input.media());
+    if (!options.json && options.files.size() > 1) std::cout << shown(input.name()) << ":\n";
+    TokenPrinter printer(options.json);
+    printer.print(finishedRootOf(*message.get()));
+    if (options.json) writeJsonLine(Json{{"file", input.name()}, {"parts", printer.parts()}});
+    return Done;
+}
+
+} // namespace
+
+void addTokens(CLI::App& commandLine, Action& action)
+{
+    auto options = std::make_shared<Options>();
+    CLI::App* verb = commandLine.add_subcommand("tokens", "Reduce the text parts of a message to semantic tokens");
+    verb->add_option("FILE", options->files, "Message files; \"-\" is standard input")->required();
+    verb->add_flag("--json", options->json, "One JSON object a message");
+    verb->footer("Example: velmara tokens mail.eml");
+    verb->callback([options, &action] {
+        action = [options] {
+            _waitForWordLists();
+            return forEachInput(options->files, [&](Input& in) { return _showTokens(in, *options); });
+        };
+    });
+}
+
+} // namespace VelmaraCommand
