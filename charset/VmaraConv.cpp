@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "charset/VmaraConvImpl.h"
+#include "runtime/BufferView.h"
 
 namespace Velmara {
 
@@ -138,14 +139,14 @@ std::string utf82utf7imap(std::string const& text)
 {
     Buffer const name =
         VmaraConv::fromUtf8("IMAP-mailbox-name", text.data(), static_cast<unsigned int>(text.size()), 0);
-    return std::string(reinterpret_cast<char const*>(name.data()), name.length());
+    return std::string(viewOf(name));
 }
 
 std::string utf7imp2utf8(std::string const& name)
 {
     Buffer const text =
         VmaraConv::toUtf8("IMAP-mailbox-name", name.data(), static_cast<unsigned int>(name.size()), 0, true, true);
-    return std::string(reinterpret_cast<char const*>(text.data()), text.length());
+    return std::string(viewOf(text));
 }
 
 } // namespace Velmara

@@ -18,6 +18,7 @@
 #include <velmara/DecodeMediaIn.h>
 #include <velmara/DynamicGreyListKey.h>
 #include <velmara/EmailAddress.h>
+#include <velmara/EncodedWord.h>
 #include <velmara/Exception.h>
 #include <velmara/Export.h>
 #include <velmara/FileMagic.h>
