@@ -58,6 +58,7 @@
 #include <velmara/SmtpClient.h>
 #include <velmara/SmtpResponse.h>
 #include <velmara/StringContainer.h>
+#include <velmara/StringConversions.h>
 #include <velmara/StringOperations.h>
 #include <velmara/StringPattern.h>
 #include <velmara/TD.h>
