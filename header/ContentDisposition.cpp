@@ -5,6 +5,7 @@
 #include <velmara/Logger.h>
 #include <velmara/StringOperations.h>
 
+#include "header/AttachmentNames.h"
 #include "header/CodeNames.h"
 #include "header/ParameterReader.h"
 #include "header/Scan.h"
@@ -84,6 +85,13 @@ std::list<TypeAndValue> const& ContentDispositionImpl::parameters() const
     return m_parameters;
 }
 
+std::string const& ContentDispositionImpl::utf8fileName() const
+{
+    parse();
+    if (m_utf8fileName.empty()) m_utf8fileName = collectRfc2231Parameter(m_parameters, "filename");
+    return m_utf8fileName;
+}
+
 ContentDisposition::FileType ContentDisposition::fileType() const
 {
     if (isNull()) throw HeaderException(__LINE__);
@@ -94,6 +102,12 @@ std::list<TypeAndValue> const& ContentDisposition::parameters() const
 {
     if (isNull()) throw HeaderException(__LINE__);
     return impl().parameters();
+}
+
+std::string const& ContentDisposition::utf8fileName() const
+{
+    if (isNull()) throw HeaderException(__LINE__);
+    return impl().utf8fileName();
 }
 
 std::string const& ContentDisposition::dispositionAsString(FileType type)

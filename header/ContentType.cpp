@@ -10,6 +10,7 @@
 
 #include <velmara/StringOperations.h>
 
+#include "header/AttachmentNames.h"
 #include "header/MediaTypeOf.h"
 #include "header/ParameterReader.h"
 #include "header/Scan.h"
@@ -254,6 +255,14 @@ std::string const& ContentTypeImpl::boundary() const
     return m_boundary;
 }
 
+std::string const& ContentTypeImpl::utf8name() const
+{
+    parse();
+    // A type whose boundary has been asked for was taken for a multipart, and what names those is no file.
+    if (m_utf8name.empty() && m_boundary.empty()) m_utf8name = collectRfc2231Parameter(m_parameters, "name");
+    return m_utf8name;
+}
+
 ContentType::MediaType ContentType::mediatype() const
 {
     if (isNull()) throw HeaderException(__LINE__);
@@ -294,6 +303,12 @@ std::string const& ContentType::boundary() const
 {
     if (isNull()) throw HeaderException(__LINE__);
     return impl().boundary();
+}
+
+std::string const& ContentType::utf8name() const
+{
+    if (isNull()) throw HeaderException(__LINE__);
+    return impl().utf8name();
 }
 
 std::string const& ContentType::mediaTypeAsString(MediaType type)

@@ -39,6 +39,8 @@ public:
     FileType fileType() const;
     /// In the order of the value, duplicates kept; names as they stood, values unquoted.
     std::list<TypeAndValue> const& parameters() const;
+    /// The parameter "filename", in lower case only, read as ContentType::utf8name reads "name".
+    std::string const& utf8fileName() const;
 
     /// The printed form ("Attachment"); "Unknown" for a code without one.
     static std::string const& dispositionAsString(FileType type);
@@ -54,6 +56,7 @@ public:
 
     ContentDisposition::FileType fileType() const;
     std::list<TypeAndValue> const& parameters() const;
+    std::string const& utf8fileName() const;
 
 private:
     void read() const override;
@@ -61,6 +64,8 @@ private:
     // Valid once parsed.
     mutable ContentDisposition::FileType m_fileType = ContentDisposition::FileTypeUnknown;
     mutable std::list<TypeAndValue> m_parameters;
+
+    mutable std::string m_utf8fileName; // empty until found
 };
 
 /// The printed forms of the dispositions.

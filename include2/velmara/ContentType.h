@@ -106,6 +106,10 @@ public:
     std::string const& charset() const;
     /// The first parameter "boundary"; "" without one.
     std::string const& boundary() const;
+    /// The parameter "name" in UTF-8: a plain one, which beats all others and may hold encoded words, or
+    /// the segments of RFC 2231 in the order of the value, whatever their numbers say. "" without one,
+    /// for an unknown character set, and once `boundary` has found something: containers have no name.
+    std::string const& utf8name() const;
 
     /// The printed form; "MediaTypeUnknown" for a code without one, whichever of the two is asked.
     static std::string const& mediaTypeAsString(MediaType type);
@@ -135,6 +139,7 @@ public:
     std::list<TypeAndValue> const& parameters() const;
     std::string const& charset() const;
     std::string const& boundary() const;
+    std::string const& utf8name() const;
 
 private:
     void read() const override;
@@ -152,6 +157,7 @@ private:
     mutable ContentType::MediaType m_mediatype = ContentType::MediaTypeUnknown;
     mutable ContentType::SubType m_subtype = ContentType::SubTypeUnknown;
     mutable std::string m_boundary;
+    mutable std::string m_utf8name;
 };
 
 /// The names of media types and subtypes and their codes; lookups are exact, in lower case.
