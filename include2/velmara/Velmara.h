@@ -26,6 +26,7 @@
 #include <velmara/Hasher.h>
 #include <velmara/HasherImpl.h>
 #include <velmara/Header.h>
+#include <velmara/HeaderComplianceFactory.h>
 #include <velmara/HeaderContainer.h>
 #include <velmara/HeaderValues.h>
 #include <velmara/HeaderWithEmailAddress.h>
