@@ -54,6 +54,44 @@ bool isEncodedWord(std::string_view text)
            text.find("?=", begin) == text.size() - 2;
 }
 
+bool isPhraseWord(std::string_view text)
+{
+    return isEncodedWord(text) || (!text.empty() && std::all_of(text.begin(), text.end(), isAtomByte));
+}
+
+bool isDotted(std::string_view part, bool quotesAllowed)
+{
+    for (size_t at = 0;; ++at) {
+        size_t const begin = at;
+        if (quotesAllowed && at < part.size() && part[at] == '"') {
+            for (++at; at < part.size() && part[at] != '"'; ++at)
+                if (part[at] == '\\') ++at;
+            at = std::min(at + 1, part.size());
+        } else
+            while (at < part.size() && isAtomByte(static_cast<unsigned char>(part[at]))) ++at;
+        if (at == begin) return false;
+        if (at == part.size()) return true;
+        if (part[at] != '.') return false;
+    }
+}
+
+namespace {
+
+bool _isLiteral(std::string_view domain)
+{
+    return !domain.empty() && domain.front() == '[' && domain.find_first_of("[]<>@,;\" ", 1) == domain.size() - 1 &&
+           domain.back() == ']';
+}
+
+} // namespace
+
+bool isWellFormedAddress(std::string_view address, size_t at)
+{
+    if (at == std::string_view::npos) return false;
+    std::string_view const domain = address.substr(at + 1);
+    return isDotted(address.substr(0, at), true) && (_isLiteral(domain) || isDotted(domain, false));
+}
+
 std::string unquoted(std::string_view text)
 {
     std::string content;

@@ -49,6 +49,13 @@ private:
 bool isAtomByte(unsigned char c);
 /// A whole "=?charset?encoding?text?=".
 bool isEncodedWord(std::string_view text);
+/// What a name without quotes consists of.
+bool isPhraseWord(std::string_view text);
+/// Words with dots between them, as the local part and the domain of a well-formed address are.
+bool isDotted(std::string_view part, bool quotesAllowed);
+/// `at`: the place of the "@" that ends the local part, npos without one.
+bool isWellFormedAddress(std::string_view address, size_t at);
+
 /// The content of a quoted string or comment: without its ends, line ends and the back slashes of escapes.
 std::string unquoted(std::string_view text);
 /// A quoted string with its ends and escapes, without line ends.
