@@ -10,6 +10,8 @@
 
 namespace Velmara {
 
+using Pieces = std::vector<std::string>;
+
 /// A sink for tests: keeps what arrives until it is taken, and counts the rest.
 class Collected {
 public:
@@ -17,8 +19,17 @@ public:
 
     MediaOut const& media() const { return m_media; }
     /// What has arrived since the last call.
-    std::string take() { return std::exchange(m_impl->bytes, std::string()); }
+    std::string take()
+    {
+        std::string all;
+        for (std::string const& piece : takePieces()) all += piece;
+        return all;
+    }
+    /// The same, write by write.
+    Pieces takePieces() { return std::exchange(m_impl->pieces, Pieces()); }
     int writes() const { return m_impl->writes; }
+    /// Names that were passed on as the character set.
+    Pieces const& characterSets() const { return m_impl->characterSets; }
     int ends() const { return m_impl->ends; }
 
 private:
@@ -26,19 +37,18 @@ private:
         using MediaOutImpl::write;
         void write(uchar_t const* p, uint_t n) override
         {
-            bytes.append(reinterpret_cast<char const*>(p), n);
+            pieces.emplace_back(reinterpret_cast<char const*>(p), n);
             ++writes;
         }
         void end() override { ++ends; }
+        void characterSet(std::string const& name) override { characterSets.push_back(name); }
 
-        std::string bytes;
+        Pieces pieces, characterSets;
         int writes = 0, ends = 0;
     };
     Impl* m_impl; // owned by m_media
     MediaOut m_media;
 };
-
-using Pieces = std::vector<std::string>;
 
 inline Buffer bytes(std::string const& text)
 {
