@@ -424,7 +424,7 @@ Entity const& _entity_at(Scan const& s)
     size_t const behind = _left(s, s.cursor) - 1;
     for (Entity const& entity : _entities) {
         std::string_view const text = entity.text;
-        if (s.cursor[1] == text[0] && behind >= text.size() && std::memcmp(s.cursor + 1, text.data(), text.size()) == 0)
+        if (s.cursor[1] == static_cast<unsigned char>(text[0]) && behind >= text.size() && std::memcmp(s.cursor + 1, text.data(), text.size()) == 0)
             return entity;
     }
     return _bare_ampersand;

@@ -15,7 +15,7 @@ namespace Velmara {
 
 namespace {
 
-constexpr size_t _blockSize = 64 * 1024;
+constexpr size_t _blockSize = size_t{64} * 1024;
 
 [[noreturn]] void _fail(char const* operation, std::string const& path, int error, unsigned int line)
 {

@@ -40,7 +40,7 @@ tm _normal(tm time)
 std::string _zone(long seconds)
 {
     long const minutes = std::abs(seconds / 60);
-    if (minutes >= 100 * 60) return "+0000";
+    if (minutes >= 100L * 60) return "+0000";
     char zone[16];
     std::snprintf(zone, sizeof zone, "%c%02ld%02ld", seconds < 0 ? '-' : '+', minutes / 60, minutes % 60);
     return zone;

@@ -92,7 +92,7 @@ std::string _mailHost(std::string_view rest)
 {
     rest = rest.substr(0, rest.find('#'));
     size_t const query = rest.find('?');
-    std::string const host = _domainIn(rest.substr(0, query));
+    std::string host = _domainIn(rest.substr(0, query));
     if (!host.empty() || query == std::string_view::npos) return host;
     for (std::string_view fields = rest.substr(query);;) {
         fields.remove_prefix(1);
