@@ -22,6 +22,9 @@
 #include <velmara/Exception.h>
 #include <velmara/Export.h>
 #include <velmara/FileMagic.h>
+#include <velmara/FilterCRLFMediaOut.h>
+#include <velmara/FilterHtmlEscapeMediaOut.h>
+#include <velmara/FilterUTF8MediaOut.h>
 #include <velmara/FontSize.h>
 #include <velmara/Hasher.h>
 #include <velmara/HasherImpl.h>

@@ -28,6 +28,8 @@ public:
     /// The same, write by write.
     Pieces takePieces() { return std::exchange(m_impl->pieces, Pieces()); }
     int writes() const { return m_impl->writes; }
+    /// Where the bytes of the last write lay.
+    void const* where() const { return m_impl->where; }
     /// Names that were passed on as the character set.
     Pieces const& characterSets() const { return m_impl->characterSets; }
     int ends() const { return m_impl->ends; }
@@ -38,12 +40,14 @@ private:
         void write(uchar_t const* p, uint_t n) override
         {
             pieces.emplace_back(reinterpret_cast<char const*>(p), n);
+            where = p;
             ++writes;
         }
         void end() override { ++ends; }
         void characterSet(std::string const& name) override { characterSets.push_back(name); }
 
         Pieces pieces, characterSets;
+        void const* where = nullptr;
         int writes = 0, ends = 0;
     };
     Impl* m_impl; // owned by m_media
