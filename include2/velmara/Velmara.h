@@ -27,6 +27,7 @@
 #include <velmara/FilterUTF8MediaOut.h>
 #include <velmara/FontSize.h>
 #include <velmara/Hasher.h>
+#include <velmara/HasherFactory.h>
 #include <velmara/HasherImpl.h>
 #include <velmara/Header.h>
 #include <velmara/HeaderComplianceFactory.h>

@@ -105,6 +105,17 @@ cmp -s "$work/out" "$work/tokens" || { echo "tokens: the layout changed them" >&
 expect "tokens as json" 0 "$velmara" tokens --json samples/russian.eml
 holds out '"language":"Cyrillic","charset":"koi8-r"' "tokens as json"
 
+expect "signatures" 0 "$velmara" sign samples/newsletter.eml
+holds out "1.1 text, 145 of 145 bytes looked at, 87 entered: 62c3f32a1358b329f560765d4437d42f" "signatures"
+holds out "no signature: fewer than 128 bytes of pixel data" "a part without a signature"
+head -c 1024 /dev/zero >"$work/zeros"
+expect "a binary file" 0 "$velmara" sign --as binary --json "$work/zeros"
+holds out '"entered":1024,"signature":"0f343b0931126a20f133d67c2b018a3b"' "a binary file"
+printf '<p>a<p>b<p>%s<script>hidden</script>' "$(head -c 64 /dev/zero | tr '\0' 'X')" >"$work/page"
+expect "an extract" 0 "$velmara" sign --as html --show-extract "$work/page"
+holds out "    $(head -c 64 /dev/zero | tr '\0' 'x')ba" "an extract"
+expect "a wrong kind" 2 "$velmara" sign --as nonsense "$work/page"
+
 printf 'Subject: \033[31mred\r\nX: \xff\r\n\r\n' >"$work/escape.eml"
 expect "control characters" 0 "$velmara" tree --headers "$work/escape.eml"
 holds out 'Subject: \x1B[31mred' "control characters"

@@ -20,6 +20,7 @@ void addBody(CLI::App& commandLine, Action& action);
 void addLinks(CLI::App& commandLine, Action& action);
 void addNames(CLI::App& commandLine, Action& action);
 void addReply(CLI::App& commandLine, Action& action);
+void addSign(CLI::App& commandLine, Action& action);
 void addTokens(CLI::App& commandLine, Action& action);
 void addTree(CLI::App& commandLine, Action& action);
 void addType(CLI::App& commandLine, Action& action);

@@ -12,7 +12,7 @@ namespace {
 
 /// In the order in which `--help` shows them.
 constexpr AddVerb _verbs[] = {
-    addTree, addBody, addType, addTokens, addLinks, addReply, addNames,
+    addTree, addBody, addType, addTokens, addSign, addLinks, addReply, addNames,
 };
 
 int _run(int argc, char** argv)

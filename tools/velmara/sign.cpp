@@ -1,0 +1,244 @@
+// `velmara sign`: the signatures of a message's parts, and where one is missing, why. The extract can be
+// shown, so that a person sees what two bodies with different signatures differ in.
+#include <algorithm>
+#include <cstdio>
+#include <iostream>
+#include <map>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include <velmara/Velmara.h>
+
+#include "Input.h"
+#include "PartPath.h"
+#include "Shown.h"
+#include "Verb.h"
+
+namespace VelmaraCommand {
+
+namespace {
+
+using namespace Velmara;
+
+struct Options {
+    std::vector<std::string> files;
+    std::string as; // empty: the file is a message
+    bool json = false;
+    bool showExtract = false;
+};
+
+struct KindRow {
+    Hasher::DataType type;
+    char const* name;
+    HasherImpl* (*make)();
+    char const* whyNone;
+};
+
+template <class Impl> HasherImpl* _make()
+{
+    return new Impl;
+}
+
+constexpr char const* _shortText = "fewer than 64 characters remain of the text";
+constexpr char const* _shortImage = "fewer than 128 bytes of pixel data";
+
+constexpr KindRow _kinds[] = {
+    {Hasher::DataHtml, "html", _make<TextHasherHtml>, _shortText},
+    {Hasher::DataText, "text", _make<TextHasherPlain>, _shortText},
+    {Hasher::DataPng, "png", _make<ImageHasherImpl>, _shortImage},
+    {Hasher::DataGif, "gif", _make<ImageHasherImpl>, _shortImage},
+    {Hasher::DataJpeg, "jpeg", _make<ImageHasherImpl>, _shortImage},
+    {Hasher::DataBinary, "binary", _make<BinaryHasherImpl>, "fewer than 1024 bytes"},
+};
+
+KindRow const& _kindOf(Hasher::DataType type)
+{
+    return *std::find_if(std::begin(_kinds), std::end(_kinds), [&](KindRow const& row) { return row.type == type; });
+}
+
+/// A hasher whose extract can be looked at, and what came of a body.
+class Signing {
+public:
+    explicit Signing(Hasher::DataType type) : m_impl(_kindOf(type).make()), m_hasher(m_impl, false)
+    {
+        m_hasher.dataType(type);
+    }
+
+    /// Hands over prefixes of the body until the hasher has enough, as a daemon would.
+    void process(std::string const& body, size_t firstRead)
+    {
+        size_t given = std::min(firstRead, body.size());
+        give(body, given);
+        while (m_hasher.isMoreDataRequired() && given < body.size()) {
+            given = std::min(2 * given, body.size());
+            give(body, given);
+        }
+    }
+
+    char const* kind() const { return _kindOf(m_hasher.dataType()).name; }
+    bool isText() const { return m_impl->maxlen() == TextHasherPlain().maxlen(); }
+    unsigned int lookedAt() const { return m_hasher.processedDataLength(); }
+    std::string signature() const { return m_hasher.digestAsHexString(); }
+    char const* whyNone() const { return m_hasher.isValid() ? "" : _kindOf(m_hasher.dataType()).whyNone; }
+
+    /// What entered the digest; empty without one.
+    std::string extract() const
+    {
+        if (!m_hasher.isValid()) return std::string();
+        auto const* bytes = reinterpret_cast<char const*>(m_impl->data.data());
+        return std::string(bytes, std::min(m_impl->data.length(), m_impl->maxlen()));
+    }
+
+private:
+    void give(std::string const& body, size_t n)
+    {
+        m_hasher.process(Buffer(body.data(), static_cast<unsigned int>(n), false),
+                         static_cast<unsigned int>(body.size()));
+    }
+
+    HasherImpl* m_impl; // owned by the handle
+    Hasher m_hasher;
+};
+
+std::string _hex(std::string const& bytes)
+{
+    std::string hex;
+    for (unsigned char c : bytes) {
+        hex += "0123456789abcdef"[c >> 4];
+        hex += "0123456789abcdef"[c & 15];
+    }
+    return hex;
+}
+
+/// Text as it is, pixels and other bytes in hexadecimal digits.
+std::string _readable(Signing const& signing)
+{
+    return signing.isText() ? signing.extract() : _hex(signing.extract());
+}
+
+std::string _lineOf(Signing const& signing, size_t bodyLength)
+{
+    std::string line = std::string(signing.kind()) + ", " + std::to_string(signing.lookedAt()) + " of " +
+                       std::to_string(bodyLength) + " bytes looked at, ";
+    if (signing.signature().empty()) return line + "no signature: " + signing.whyNone();
+    return line + std::to_string(signing.extract().size()) + " entered: " + signing.signature();
+}
+
+void _addTo(Json& json, Signing const& signing, size_t bodyLength, bool showExtract)
+{
+    json["kind"] = signing.kind();
+    json["bodyLength"] = bodyLength;
+    json["lookedAt"] = signing.lookedAt();
+    json["entered"] = signing.extract().size();
+    if (signing.signature().empty()) {
+        json["signature"] = nullptr;
+        json["reason"] = signing.whyNone();
+    } else {
+        json["signature"] = signing.signature();
+        if (showExtract) json["extract"] = _readable(signing);
+    }
+}
+
+void _printText(std::string const& name, Signing const& signing, size_t bodyLength, bool showExtract)
+{
+    std::cout << name << ' ' << _lineOf(signing, bodyLength) << '\n';
+    if (showExtract && !signing.signature().empty()) std::cout << "    " << shown(_readable(signing)) << '\n';
+}
+
+std::string _bodyOf(MimePart& part)
+{
+    std::string body;
+    if (part.blen() != 0) part.body(true).read(body); // an empty body that is read again gives the byte in front of it
+    return body;
+}
+
+/// A part and what was made of it.
+struct SignedPart {
+    std::string path;
+    Signing signing;
+    size_t bodyLength;
+};
+
+/// Every part with a body of its own, in message order.
+void _signParts(PartView const& view, std::vector<SignedPart>& parts)
+{
+    if (view.kind == PartKind::Leaf || view.kind == PartKind::Skipped) {
+        ContentType const type(view.part->headers().find(ContentType::htype));
+        std::string const body = _bodyOf(*view.part);
+        Signing signing(HasherFactory::createHasher(type, 0).dataType());
+        signing.process(body, HasherFactory::maxHashBufSize(type));
+        parts.push_back(SignedPart{view.path, signing, body.size()});
+    }
+    for (PartView const& child : childrenOf(view)) _signParts(child, parts);
+}
+
+int _signMessage(Input& input, Options const& options)
+{
+    Ref<Rfc822Msg> message = Rfc822Msg::parse(input.media());
+    std::vector<SignedPart> parts;
+    _signParts(finishedRootOf(*message.get()), parts);
+    if (options.json) {
+        Json list = Json::array();
+        for (SignedPart const& part : parts) {
+            Json json{{"path", part.path}};
+            _addTo(json, part.signing, part.bodyLength, options.showExtract);
+            list.push_back(std::move(json));
+        }
+        writeJsonLine(Json{{"file", input.name()}, {"parts", std::move(list)}});
+        return Done;
+    }
+    if (options.files.size() > 1) std::cout << shown(input.name()) << ":\n";
+    for (SignedPart const& part : parts) _printText(part.path, part.signing, part.bodyLength, options.showExtract);
+    return Done;
+}
+
+int _signFile(Input& input, Hasher::DataType type, Options const& options)
+{
+    std::string body;
+    input.media().read(body);
+    Signing signing(type);
+    signing.process(body, std::max<size_t>(body.size(), 1));
+    if (options.json) {
+        Json json{{"file", input.name()}};
+        _addTo(json, signing, body.size(), options.showExtract);
+        writeJsonLine(json);
+    } else {
+        _printText(shown(input.name()) + ":", signing, body.size(), options.showExtract);
+    }
+    return Done;
+}
+
+int _sign(Input& input, Options const& options)
+{
+    for (KindRow const& row : _kinds)
+        if (options.as == row.name) return _signFile(input, row.type, options);
+    return _signMessage(input, options);
+}
+
+std::vector<std::string> _kindNames()
+{
+    std::vector<std::string> names;
+    for (KindRow const& row : _kinds) names.push_back(row.name);
+    return names;
+}
+
+} // namespace
+
+void addSign(CLI::App& commandLine, Action& action)
+{
+    auto options = std::make_shared<Options>();
+    CLI::App* verb = commandLine.add_subcommand("sign", "Give the signature of each part");
+    verb->add_option("FILE", options->files, "Message files, or with --as plain ones; \"-\" is standard input")
+        ->required();
+    verb->add_option("--as", options->as, "FILE is no message but a body of this kind")
+        ->check(CLI::IsMember(_kindNames()));
+    verb->add_flag("--json", options->json, "One JSON object a file");
+    verb->add_flag("--show-extract", options->showExtract, "Show what was hashed; images and binaries in hexadecimal");
+    verb->footer("Example: velmara sign --as html --show-extract page.html");
+    verb->callback([options, &action] {
+        action = [options] { return forEachInput(options->files, [&](Input& in) { return _sign(in, *options); }); };
+    });
+}
+
+} // namespace VelmaraCommand
