@@ -116,7 +116,7 @@ void Header::assignValue(Header const& other)
     if (get() == other.get()) return;
     release();
     if (other.isNull()) return;
-    if (!stringCompareNoCase(other.type(), type())) throw Exception("assign", 2, nullptr, __LINE__);
+    if (!stringCompareNoCase(other.type(), type())) throw Exception("assign", 2, nullptr, 0);
     create(other.value());
 }
 

@@ -85,6 +85,7 @@ TYPED_TEST(TypedHeaders, RefuseAHeaderOfAnotherNameAndLoseTheirValue)
         EXPECT_EQ("assign", refusal.message());
         EXPECT_EQ(2, refusal.code());
         EXPECT_EQ("", refusal.fileName());
+        EXPECT_EQ(0u, refusal.lineNumber());
     }
     EXPECT_TRUE(header.isNull());
     EXPECT_THROW(TypeParam{Header("Subject", "x")}, Exception);
