@@ -22,6 +22,11 @@ public:
         return found ? *found : create();
     }
 
+    /// Null until the first instance() has finished: tells whether the object stands without
+    /// building it. Only instance() changes it.
+    static std::atomic<T*> s_instance;
+    static Mutex s_mutex; // guards creation
+
 protected:
     Singleton() = default;
 
@@ -36,9 +41,6 @@ private:
         }
         return *found;
     }
-
-    static std::atomic<T*> s_instance; // null until the first instance() has finished
-    static Mutex s_mutex;              // guards creation
 };
 
 template <class T> std::atomic<T*> Singleton<T>::s_instance{nullptr};

@@ -2,6 +2,7 @@
 
 #include <atomic>
 #include <cstdint>
+#include <type_traits>
 #include <utility>
 
 #include <velmara/Exception.h>
@@ -62,13 +63,15 @@ public:
 };
 
 /// Makes `target` hold what `source` holds: the one routine behind the assignment of handles. Unlike
-/// the copy constructors of the plain handle classes it accepts a source that holds null.
-template <class T> void RefCountedImplCopy(RefCounted<T>*& target, RefCounted<T> const* source)
+/// the copy constructors of the plain handle classes it accepts a source that holds null. The old
+/// object goes last, since `source` may be a handle inside it, as in `node = node->next`.
+template <class T> void RefCountedImplCopy(RefCounted<T>*& target,
+                                           std::common_type_t<RefCounted<T> const*> source) // nullptr will do as well
 {
     if (target == source) return;
-    delete target;
-    target = nullptr;
-    if (source) target = new RefCounted<T>(source->ptr, source->ptr != nullptr);
+    RefCounted<T>* old = target;
+    target = source ? new RefCounted<T>(source->ptr, source->ptr != nullptr) : nullptr;
+    delete old;
 }
 
 /// The generic handle.
@@ -130,8 +133,7 @@ public:
         return holder->ptr;
     }
 
-protected:
-    RefCounted<T>* holder; // owned; null means a null handle
+    RefCounted<T>* holder; // owned, never shared by two handles; null means a null handle
 };
 
 /// Forbids copying.

@@ -99,7 +99,7 @@ TEST(RefCountedImplCopy, ANullSourceLeavesANullTargetAndDropsTheOldReference)
 {
     int destroyed = 0;
     auto* target = new RefCounted<Counted>(new Counted(&destroyed), false);
-    RefCountedImplCopy(target, static_cast<RefCounted<Counted> const*>(nullptr));
+    RefCountedImplCopy(target, nullptr);
     EXPECT_EQ(nullptr, target);
     EXPECT_EQ(1, destroyed);
 }
@@ -230,6 +230,26 @@ TEST(Ref, CopiesShareTheObject)
         EXPECT_EQ(0, destroyed);
     }
     EXPECT_EQ(1, destroyed);
+}
+
+struct Node : virtual RefImpl {
+    Ref<Node> next;
+};
+
+TEST(Ref, CanBeAssignedFromAHandleInsideTheObjectThatGoes)
+{
+    Ref<Node> first(new Node, false), second(new Node, false);
+    first->next = second;
+    first = static_cast<Ref<Node> const&>(first->next);
+    EXPECT_EQ(*second, *first);
+    EXPECT_EQ(2, second->count);
+}
+
+TEST(Ref, CopiesOwnAHolderEach)
+{
+    Ref<Counted> const original(new Counted, false), copy(original);
+    EXPECT_NE(original.holder, copy.holder);
+    EXPECT_EQ(original.holder->ptr, copy.holder->ptr);
 }
 
 TEST(Ref, AReleasedHandleCanBeAssignedAgain)
