@@ -20,6 +20,15 @@ holds() {
 silent() {
     [ ! -s "$work/$1" ] || { echo "$2: something was written to $1" >&2; cat "$work/$1" >&2; failed=1; }
 }
+# field WHAT EXPRESSION WANTED: evaluates EXPRESSION over the JSON in $work/out, read as `it`.
+field() {
+    local got
+    got=$(python3 -c 'import json,sys
+it = json.loads(open(sys.argv[1], "rb").read().decode("utf-8"))
+views = {(part["path"], header["name"]): header for part in it.get("parts", []) for header in part["headers"]}
+print(json.dumps(eval(sys.argv[2])))' "$work/out" "$2") && [ "$got" = "$3" ] ||
+        { echo "$1: $2 is $got, not $3" >&2; failed=1; }
+}
 
 expect "no verb" 2 "$velmara"
 expect "a wrong verb" 2 "$velmara" nonsense
@@ -125,5 +134,99 @@ holds out 'X: \xFF' "bytes that are no UTF-8"
 expect "an empty file" 0 "$velmara" tree "$work/empty.eml"
 "$velmara" tree samples/newsletter.eml >/dev/full 2>"$work/err" && { echo "a full disk: status 0" >&2; failed=1; }
 holds err "standard output" "a full disk"
+
+expect "headers" 0 "$velmara" headers samples/newsletter.eml
+holds out "Subject: Spring is here: 30 % off" "headers"
+holds out "List-Unsubscribe: <mailto:out@list.shop.example>" "headers"
+cat >"$work/words.eml" <<'MAIL'
+From: =?utf-8?B?SsO8cmdlbg==?= <j@a.example>, "B, Ann" <ann@b.example>
+Message-ID: <1@a.example>
+References: <0@a.example>
+ <00@b.example>
+List-Id: Readers <list.a.example>
+List-Help: <https://a.example/help>, <mailto:help@a.example>
+Subject: =?iso-8859-1?Q?Caf=E9?=
+Content-Type: multipart/mixed; boundary=b
+
+--b
+Content-Type: text/plain; name*0*=utf-8''a%20; name*1=b.txt
+Content-Disposition: inline; filename="=?utf-8?Q?=C3=A9.txt?="
+Content-Transfer-Encoding: X-UUENCODE
+
+--b--
+MAIL
+expect "decoded headers" 0 "$velmara" headers "$work/words.eml"
+holds out "Subject: Café" "decoded headers"
+holds out "From: Jürgen <j@a.example>" "decoded headers"
+expect "raw headers" 0 "$velmara" headers --raw "$work/words.eml"
+holds out "Subject: =?iso-8859-1?Q?Caf=E9?=" "raw headers"
+expect "headers of all parts" 0 "$velmara" headers --all "$work/words.eml"
+holds out 'Content-Disposition: inline; filename="é.txt"' "headers of all parts"
+expect "typed headers" 0 "$velmara" headers --all --json "$work/words.eml"
+field "addresses" 'views["1", "From"]["addresses"]' \
+    '[{"address": "j@a.example", "displayName": "J\u00fcrgen"}, {"address": "ann@b.example", "displayName": "B, Ann"}]'
+field "ids" 'views["1", "Message-ID"]["ids"] + views["1", "References"]["ids"]' '["1@a.example", "0@a.example", "00@b.example"]'
+field "the list" 'views["1", "List-Id"]["domain"]' '"list.a.example"'
+field "links of the list" 'views["1", "List-Help"]["uris"]' '["https://a.example/help", "mailto:help@a.example"]'
+field "the type" 'views["1.1", "Content-Type"]["attachmentName"]' '"a b.txt"'
+field "the boundary" 'views["1", "Content-Type"]["boundary"]' '"b"'
+field "the disposition" '[views["1.1", "Content-Disposition"][f] for f in ("disposition", "attachmentName")]' '["inline", "\u00e9.txt"]'
+field "the encoding" 'views["1.1", "Content-Transfer-Encoding"]["encoding"]' '"x-uue"'
+
+expect "decode" 0 "$velmara" decode '=?utf-8?B?QUJD?= =?utf-8?B?REVG?=' 'plain' '=?utf-8?Q?=1B[31m?='
+printf 'ABCDEF\nplain\n\\x1B[31m\n' | cmp -s - "$work/out" || { echo "decode: not what was encoded" >&2; cat "$work/out" >&2; failed=1; }
+printf '=?utf-8?B?QUJD?=\r\n\nlast' | "$velmara" decode >"$work/out"
+printf 'ABC\n\nlast\n' | cmp -s - "$work/out" || { echo "decode: lines of standard input" >&2; cat "$work/out" >&2; failed=1; }
+
+expect "a route" 0 "$velmara" route --trusted 192.0.2.0/24 samples/newsletter.eml
+cmp -s - "$work/out" <<'ROUTE' || { echo "route: not the drawing of the manual" >&2; cat "$work/out" >&2; failed=1; }
+1  from app7.shop.example [198.51.100.7]
+│  by   relay.mail.example with ESMTP
+│  at   2026-03-03 08:15:01 UTC
+│  3 s
+2  from relay.mail.example (relay.mail.example) [192.0.2.25] trusted
+   by   mx.reader.example with ESMTPS
+   at   2026-03-03 08:15:04 UTC
+ROUTE
+expect "a route as json" 0 "$velmara" route --json --trusted 2001:db8::/32,198.51.100.7 samples/newsletter.eml
+field "the hops" '[[hop.get("delay"), hop["trusted"], hop["by"]] for hop in it["hops"]]' \
+    '[[null, true, "relay.mail.example"], [3, false, "mx.reader.example"]]'
+expect "no route" 0 "$velmara" route samples/broken.eml
+holds out 'no "Received" headers' "no route"
+expect "a network that is none" 2 "$velmara" route --trusted nonsense samples/newsletter.eml
+holds err "nonsense is no network" "a network that is none"
+silent out "a network that is none"
+
+# Dates of hops, with the seconds since 1970 that they stand for (null: not readable).
+dates=(
+    'Mon, 1 Jan 2024 00:00:00 +0000|1704067200'
+    '1 Jan 2024 00:00 +0000|1704067200'
+    'Mon,1 Jan 2024 01:30:00 +0130 (CET)|1704067200'
+    'Sun, 31 Dec 2023 19:00:00 EST|1704067200'
+    'Sun (a (nested) comment), 31 Dec 23 16:00:00 PST|1704067200'
+    'Thu, 29 Feb 24 00:00:00 GMT|1709164800'
+    'Fri, 31 Dec 99 23:59:60 UT|946684800'
+    'Sat, 1 Jan 100 00:00:00 GMT|946684800'
+    'Thu, 1 Jan 1970 00:00:00 +0000|0'
+    'Fri, 30 Feb 2024 00:00:00 +0000|null'
+    'Mon, 1 Jan 2024 24:00:00 +0000|null'
+    'Mon, 1 Jan 2024 00:00:00 XYZ|null'
+    'Mon, 1 Jan 2024 00:00:00 +0060|null'
+    'Mon, 1 Jan 2024 00:00:00|null'
+    'Mon, 1 Foo 2024 00:00:00 +0000|null'
+    'yesterday|null'
+    '|null'
+)
+for row in "${dates[@]}"; do
+    printf 'Received: from a by b; %s\n\n' "${row%|*}" >"$work/date.eml"
+    expect "the date ${row%|*}" 0 "$velmara" route --json "$work/date.eml"
+    field "the date ${row%|*}" 'it["hops"][0].get("time")' "${row##*|}"
+done
+printf 'Received: from a by c; Mon, 1 Jan 2024 00:00:00 +0000\nReceived: by b; Tue, 2 Jan 2024 01:02:03 +0000\n\n' >"$work/back.eml"
+expect "clocks that differ" 0 "$velmara" route "$work/back.eml"
+holds out "│  -1 d 1 h" "clocks that differ"
+holds out "1  from ?" "a hop without a sender"
+holds out "by   b" "the semicolon of the date"
+! grep -qF "b;" "$work/out" || { echo "route: the semicolon of the date is shown" >&2; failed=1; }
 
 exit $failed

@@ -5,6 +5,8 @@
 #include <cstdlib>
 #include <iostream>
 
+#include <velmara/EncodedWord.h>
+
 namespace VelmaraCommand {
 
 namespace {
@@ -64,6 +66,17 @@ std::string shown(std::string_view text)
         text.remove_prefix(bytes.size());
     }
     return out;
+}
+
+std::string decoded(std::string const& value)
+{
+    Velmara::Buffer const utf8 = Velmara::stringToUtf8(value, nullptr);
+    return std::string(reinterpret_cast<char const*>(utf8.data()), utf8.length());
+}
+
+void setIfAny(Json& json, char const* field, std::string const& text)
+{
+    if (!text.empty()) json[field] = text;
 }
 
 void writeJsonLine(Json const& value)

@@ -16,6 +16,12 @@ using Json = nlohmann::ordered_json;
 /// characters that turn the direction of writing count as control characters.
 std::string shown(std::string_view text);
 
+/// A header value as a reader would see it: UTF-8, with encoded words decoded.
+std::string decoded(std::string const& value);
+
+/// Sets a field unless the text is empty.
+void setIfAny(Json& json, char const* field, std::string const& text);
+
 /// Writes one JSON value on a line of its own. The text is always valid UTF-8: bytes that are none
 /// come out as U+FFFD.
 void writeJsonLine(Json const& value);

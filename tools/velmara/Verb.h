@@ -17,9 +17,12 @@ using Action = std::function<int()>;
 using AddVerb = void (*)(CLI::App& commandLine, Action& action);
 
 void addBody(CLI::App& commandLine, Action& action);
+void addDecode(CLI::App& commandLine, Action& action);
+void addHeaders(CLI::App& commandLine, Action& action);
 void addLinks(CLI::App& commandLine, Action& action);
 void addNames(CLI::App& commandLine, Action& action);
 void addReply(CLI::App& commandLine, Action& action);
+void addRoute(CLI::App& commandLine, Action& action);
 void addSign(CLI::App& commandLine, Action& action);
 void addTokens(CLI::App& commandLine, Action& action);
 void addTree(CLI::App& commandLine, Action& action);

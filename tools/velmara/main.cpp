@@ -12,7 +12,7 @@ namespace {
 
 /// In the order in which `--help` shows them.
 constexpr AddVerb _verbs[] = {
-    addTree, addBody, addType, addTokens, addSign, addLinks, addReply, addNames,
+    addTree, addBody, addHeaders, addRoute, addDecode, addType, addTokens, addSign, addLinks, addReply, addNames,
 };
 
 int _run(int argc, char** argv)

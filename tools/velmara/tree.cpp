@@ -31,20 +31,11 @@ struct Facts {
     std::string mediaType, charset, encoding, name;
 };
 
-std::string _parameter(std::list<TypeAndValue> const& parameters, char const* name)
+std::string _attachmentName(HeaderContainer const& headers, ContentType const& type)
 {
-    for (TypeAndValue const& parameter : parameters)
-        if (parameter.type() == name) return parameter.value();
-    return std::string();
-}
-
-std::string _plainName(HeaderContainer const& headers, ContentType const& type)
-{
-    ContentDisposition disposition(headers.find(ContentDisposition::htype));
-    std::string name;
-    if (!disposition.isNull()) name = _parameter(disposition.parameters(), "filename");
-    if (name.empty() && !type.isNull()) name = _parameter(type.parameters(), "name");
-    return name;
+    ContentDisposition const disposition(headers.find(ContentDisposition::htype));
+    std::string const name = disposition.isNull() ? std::string() : disposition.utf8fileName();
+    return name.empty() && !type.isNull() ? type.utf8name() : name;
 }
 
 Facts _factsOf(MimePart& part)
@@ -57,7 +48,7 @@ Facts _factsOf(MimePart& part)
     }
     ContentEncoding encoding(part.headers().find(ContentEncoding::htype));
     if (!encoding.isNull()) facts.encoding = stringToLower(encoding.value());
-    facts.name = _plainName(part.headers(), type);
+    facts.name = _attachmentName(part.headers(), type);
     return facts;
 }
 
@@ -121,11 +112,6 @@ Json _jsonHeaders(MimePart& part)
     return headers;
 }
 
-void _setIfAny(Json& json, char const* field, std::string const& text)
-{
-    if (!text.empty()) json[field] = text;
-}
-
 /// Counts what it is given.
 class CountingOutImpl : public MediaOutImpl {
 public:
@@ -149,10 +135,10 @@ Json _jsonOf(PartView const& view, bool headers)
     Json json{{"path", view.path}, {"kind", nameOf(view.kind)}};
     if (_hasHeaders(view.kind)) {
         Facts const facts = _factsOf(part);
-        _setIfAny(json, "mediaType", facts.mediaType);
-        _setIfAny(json, "charset", facts.charset);
-        _setIfAny(json, "encoding", facts.encoding);
-        _setIfAny(json, "name", facts.name);
+        setIfAny(json, "mediaType", facts.mediaType);
+        setIfAny(json, "charset", facts.charset);
+        setIfAny(json, "encoding", facts.encoding);
+        setIfAny(json, "name", facts.name);
         json["sourcePosition"] = part.sourcePosition();
         json["hlen"] = part.hlen();
         json["blen"] = part.blen() == _notSet ? Json(nullptr) : Json(part.blen());
