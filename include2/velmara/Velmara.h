@@ -4,6 +4,7 @@
 
 #include <velmara/ActionNames.h>
 #include <velmara/Base64MediaOut.h>
+#include <velmara/BayesianVisitor.h>
 #include <velmara/Buffer.h>
 #include <velmara/CRLFConvertor.h>
 #include <velmara/ClassifierNames.h>
@@ -36,8 +37,13 @@
 #include <velmara/HeaderWithEmailAddress.h>
 #include <velmara/HostName.h>
 #include <velmara/HtmlDocVisitor.h>
+#include <velmara/HtmlImageExtract.h>
 #include <velmara/HtmlParser.h>
+#include <velmara/HtmlTagExtract.h>
+#include <velmara/HtmlToTxtDisclaimer.h>
+#include <velmara/HtmlTxtExtract.h>
 #include <velmara/IPAddress.h>
+#include <velmara/ImageProperties.h>
 #include <velmara/ListId.h>
 #include <velmara/Logger.h>
 #include <velmara/MPartAttribute.h>

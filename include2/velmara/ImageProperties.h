@@ -1,0 +1,69 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include <velmara/MPartAttribute.h>
+#include <velmara/VmaraRefcounted.h>
+
+namespace Velmara {
+
+/// Where an image of an HTML body comes from: a part of the message or somewhere else.
+class VELMARA_EXPORT CID {
+public:
+    enum Type : int {
+        TypeNone = 0,
+        TypeContentId = 1, // "<...>", as a Content-ID header has it
+        TypeUrl = 2
+    };
+
+    CID() = default;
+    CID(std::string const& text, Type kind) : value(text), type(kind) {}
+
+    std::string value;
+    Type type = TypeNone;
+};
+
+/// One image: where it comes from, what size the markup states, and how much text stands above it. The
+/// fields behind firstInRun are the caller's own; the library leaves them 0.
+class VELMARA_EXPORT ImageSummary : public RefImpl, public NonCopyable {
+public:
+    ImageSummary();
+    ImageSummary(CID const& cid, int width, int height, int textLine, bool firstInRun);
+    ~ImageSummary() override;
+
+    CID cid;
+    int width = 0;           // in pixels; 600 for 100 %; 0 where none is stated
+    int height = 0;          // likewise
+    int textLine = 0;        // lines of text above it
+    bool firstInRun = false; // no other image came since there was text, or it is a background
+    bool marked = false;
+    std::uint64_t first = 0, second = 0;
+    unsigned char values[20] = {};
+};
+
+/// The images of an HTML body: an attribute of its part.
+class VELMARA_EXPORT ImageProperties : public MPartAttribute {
+public:
+    /// The number is the caller's own.
+    explicit ImageProperties(int number);
+    ~ImageProperties() override;
+
+    /// 3.
+    MPartAttribute::Type type() const override;
+
+    void add(Ref<ImageSummary> const& image);
+    /// The first image that comes from `name`, without regard to case; a null handle if there is none.
+    Ref<ImageSummary> const& find(std::string const& name) const;
+    /// In document order.
+    std::vector<Ref<ImageSummary>> const& images() const { return m_images; }
+
+    int number;     // as given
+    int second = 0; // the caller's own
+
+private:
+    std::vector<Ref<ImageSummary>> m_images;
+};
+
+} // namespace Velmara

@@ -1,0 +1,64 @@
+#include <velmara/Config.h>
+#include <velmara/HtmlTagExtract.h>
+
+#include <gtest/gtest.h>
+
+#include "html/Extracts.h"
+
+namespace Velmara {
+namespace {
+
+/// A table that gives each name the next number.
+class HtmlTagExtractTest : public testing::Test {
+protected:
+    HtmlTagExtractTest() { pconfig = &m_config; }
+    ~HtmlTagExtractTest() override { pconfig = nullptr; }
+
+    std::wstring numbersOf(std::initializer_list<char const*> names)
+    {
+        std::wstring numbers;
+        for (char const* name : names) numbers += static_cast<wchar_t>(m_config.getHtmlTagIdx(name));
+        return numbers;
+    }
+    void read(std::string const& html)
+    {
+        readHtml(html, [&](TextHtmlDoc& document) {
+            document.addVisitor(Ref<HtmlDocVisitor>(new HtmlTagExtract(&properties, "utf-8"), false));
+        });
+    }
+
+    TDProperties properties;
+
+private:
+    Config m_config;
+};
+
+TEST_F(HtmlTagExtractTest, TakesElementsAndTheNamesOfTheirAttributesInOrder)
+{
+    read("<html><body bgcolor=red text=blue><a href=x>y</a></body></html>");
+    ASSERT_EQ(1u, properties.descriptors().size());
+    EXPECT_EQ(numbersOf({"html", "body", "bgcolor", "text", "a", "href"}), properties.descriptors()[0]->tokens());
+}
+
+TEST_F(HtmlTagExtractTest, LeavesBreaksAndSpansOutWithTheirAttributes)
+{
+    read("<html><body><BR clear=all><span class=x>y</span><b>z</b></body></html>");
+    EXPECT_EQ(numbersOf({"html", "body", "b"}), properties.descriptors()[0]->tokens());
+}
+
+TEST_F(HtmlTagExtractTest, TheSameBuildWithOtherWordsGivesTheSameTokens)
+{
+    read("<html><body><p align=left>one</p></body></html>");
+    read("<html><body><p align=right>two three</p></body></html>");
+    EXPECT_EQ(properties.descriptors()[0]->tokens(), properties.descriptors()[1]->tokens());
+}
+
+TEST_F(HtmlTagExtractTest, TheFifthIsSilent)
+{
+    for (int i = 0; i < 5; ++i) read("<html><body><b>x</b></body></html>");
+    ASSERT_EQ(4u, properties.descriptors().size());
+    for (Ref<TD> const& descriptor : properties.descriptors()) EXPECT_EQ(3u, descriptor->tokens().size());
+}
+
+} // namespace
+} // namespace Velmara
