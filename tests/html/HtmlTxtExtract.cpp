@@ -117,7 +117,8 @@ INSTANTIATE_TEST_SUITE_P(
                     LinkRow{"AShortValueIsSearchedOnly", "<a href=a:b.c/d>x</a>", ""},
                     LinkRow{"MailWithAnAddress", "<a href=mailto:ann@reader.example>x</a>",
                             "mailto:ann@reader.example "},
-                    LinkRow{"MailWithoutAnAddressIsSearchedOnly", "<a href=mailto:annreader>x</a>", ""},
+                    LinkRow{"MailWithoutAnAddressGoesToTheSnifferToWhichItIsALink", "<a href=mailto:annreader>x</a>",
+                            "mailto:annreader "},
                     LinkRow{"AContentIdLeadsNowhere", "<img src=cid:logo-of-the-shop>", ""}),
     [](auto const& row) { return std::string(row.param.rule); });
 
