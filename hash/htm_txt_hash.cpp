@@ -17,7 +17,9 @@
 
 #include <velmara/htm_txt_hash.h>
 
+#include <cstdint>
 #include <cstring>
+#include <iterator>
 #include <string_view>
 
 #include "hash/Contract.h"
@@ -61,6 +63,8 @@ constexpr unsigned char _upper(unsigned char c)
 // The questions above, answered for every byte at compile time.
 struct Characters {
     bool uri[256] = {};
+    bool letter[256] = {};
+    bool digit[256] = {};
     bool endsName[256] = {}; // of a tag
     unsigned char written[256] = {};
 
@@ -69,6 +73,8 @@ struct Characters {
         for (int i = 0; i < 256; ++i) {
             unsigned char const c = static_cast<unsigned char>(i);
             uri[i] = _is_uri_byte(c);
+            letter[i] = isAlpha(c);
+            digit[i] = isDigit(c);
             endsName[i] = c == '>' || isCSpace(c);
             written[i] = _written_for(c);
         }
@@ -137,31 +143,49 @@ constexpr Tag _tags[] = {
     {"TR", TagRow, BreaksLine},
     {"UL", 19, BreaksLine},
 };
-static_assert(sizeof _tags / sizeof *_tags == 36);
+static_assert(std::size(_tags) == 36);
+
+// A name in upper case as one value, so that names compare without a call for each.
+struct TagKey {
+    std::uint64_t letters = 0; // the last eight
+    unsigned int ahead = 0;    // and what they pushed out
+
+    constexpr void append(unsigned char c)
+    {
+        ahead = ahead << 8 | static_cast<unsigned int>(letters >> 56);
+        letters = letters << 8 | _upper(c);
+    }
+    constexpr bool operator==(TagKey const& other) const { return letters == other.letters && ahead == other.ahead; }
+};
 
 // Where the tags of each letter start in _tags; the entry behind a letter's is where they end.
 struct TagIndex {
     unsigned char from[27] = {};
+    TagKey keys[std::size(_tags)] = {};
     bool sorted = true;
 
     constexpr TagIndex()
     {
         for (Tag const& tag : _tags)
             for (int letter = tag.name[0] - 'A'; letter < 26; ++letter) ++from[letter + 1];
-        for (Tag const* tag = _tags + 1; tag != std::end(_tags); ++tag)
-            if (tag->name <= tag[-1].name || tag->name.size() > _longest_tag) sorted = false;
+        for (size_t i = 0; i < std::size(_tags); ++i) {
+            for (char c : _tags[i].name) keys[i].append(static_cast<unsigned char>(c));
+            if (_tags[i].name.size() > _longest_tag || (i > 0 && _tags[i].name <= _tags[i - 1].name)) sorted = false;
+        }
     }
 };
 constexpr TagIndex _tag_index;
 static_assert(_tag_index.sorted, "_tags is searched by first letter");
 
-// Null for a name that is not in the table, the empty one and those that begin with no letter included.
-Tag const* _find_tag(std::string_view name)
+// Null for a name that is not in the table.
+Tag const* _find_tag(unsigned char const* name, size_t length)
 {
-    if (name.empty() || name[0] < 'A' || name[0] > 'Z') return nullptr;
-    int const letter = name[0] - 'A';
+    if (length == 0 || length > _longest_tag || !isAlpha(*name)) return nullptr;
+    TagKey key;
+    for (size_t i = 0; i < length; ++i) key.append(name[i]);
+    int const letter = _upper(*name) - 'A';
     for (int i = _tag_index.from[letter]; i < _tag_index.from[letter + 1]; ++i)
-        if (_tags[i].name == name) return &_tags[i];
+        if (_tag_index.keys[i] == key) return &_tags[i];
     return nullptr;
 }
 
@@ -311,8 +335,8 @@ void _close_candidate(Scan& s)
 void _count_label_char(Scan& s, unsigned char c)
 {
     Label& label = s.labels[s.labelIndex];
-    label.digits += isDigit(c);
-    label.letters += isAlpha(c);
+    label.digits += _characters.digit[c];
+    label.letters += _characters.letter[c];
 }
 
 void _open_candidate(Scan& s, unsigned char c)
@@ -424,7 +448,8 @@ Entity const& _entity_at(Scan const& s)
     size_t const behind = _left(s, s.cursor) - 1;
     for (Entity const& entity : _entities) {
         std::string_view const text = entity.text;
-        if (s.cursor[1] == static_cast<unsigned char>(text[0]) && behind >= text.size() && std::memcmp(s.cursor + 1, text.data(), text.size()) == 0)
+        if (s.cursor[1] == static_cast<unsigned char>(text[0]) && behind >= text.size() &&
+            std::memcmp(s.cursor + 1, text.data(), text.size()) == 0)
             return entity;
     }
     return _bare_ampersand;
@@ -488,11 +513,7 @@ void _apply_tag_named(Scan& s, unsigned char const* name, unsigned char const* n
 {
     bool const closing = *name == '/';
     if (closing) ++name;
-    size_t const length = static_cast<size_t>(nameEnd - name);
-    if (length > _longest_tag) return;
-    char upper[_longest_tag];
-    for (size_t i = 0; i < length; ++i) upper[i] = static_cast<char>(_upper(name[i]));
-    if (Tag const* tag = _find_tag(std::string_view(upper, length))) _apply_tag(s, *tag, closing);
+    if (Tag const* tag = _find_tag(name, static_cast<size_t>(nameEnd - name))) _apply_tag(s, *tag, closing);
 }
 
 unsigned char const* _find_name_end(Scan const& s, unsigned char const* name)
@@ -507,7 +528,8 @@ void _handle_tag(Scan& s)
     unsigned char const* const name = s.cursor + 1;
     unsigned char const* const tagend = _find_name_end(s, name);
     NORMALISER_ASSERT(tagend);
-    unsigned char const* const close = _find(s, tagend, '>');
+    bool const endsHere = tagend < s.end && *tagend == '>';
+    unsigned char const* const close = endsHere ? tagend : _find(s, tagend, '>');
     if (close) {
         _apply_tag_named(s, name, tagend);
         s.cursor = close + 1;
