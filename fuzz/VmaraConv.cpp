@@ -1,0 +1,90 @@
+// Conversion: where the writes are cut does not matter, no write is longer than promised, and the short
+// way of valid UTF-8 gives what the long way through UTF-16 gives.
+#include "fuzz/Writes.h"
+
+#include <velmara/VmaraConv.h>
+
+using namespace Velmara;
+
+namespace {
+
+// BOCU-1 is not among them: how long a bad sequence counts there depends on cuts, in ICU itself.
+char const* const sources[] = {"UTF-8",       "GB18030",      "Shift_JIS",      "ISO-2022-JP",
+                               "EUC-KR",      "Big5",         "windows-1251",   "KOI8-R",
+                               "GBK",         "EUC-JP",       "ISO-8859-1",     "UTF-16",
+                               "EUC-TW",      "Windows-1256", "KS_C_5601-1987", "UTF-16LE",
+                               "UTF-32",      "ISO-8859-6",   "UTF-7",          "HZ",
+                               "ISO-2022-KR", "ISO-2022-CN",  "ISO-2022-JP-2",  "IMAP-mailbox-name",
+                               "SCSU",        "CESU-8"};
+char const* const targets[] = {"UTF-8", "UTF-16LE", "ISO-8859-1", "ISO-2022-JP", "GB18030"};
+
+constexpr unsigned int longestWrite = 1064;
+
+struct Outcome {
+    std::string bytes;
+    unsigned int bad, missing;
+    bool operator==(Outcome const& other) const
+    {
+        return bytes == other.bytes && bad == other.bad && missing == other.missing;
+    }
+};
+
+struct Sink : MediaOutImpl {
+    using MediaOutImpl::write;
+    void write(uchar_t const* p, uint_t n) override
+    {
+        Writes::require(n != 0 && n <= longestWrite);
+        bytes.append(reinterpret_cast<char const*>(p), n);
+    }
+    std::string bytes;
+};
+
+Outcome converted(Writes::Pieces const& pieces, char const* from, char const* to, bool substitute)
+{
+    auto* sink = new Sink;
+    MediaOut const out(sink, false);
+    VmaraConv converter(out, from, to, true);
+    converter.retry_on_failure(true);
+    converter.substitute_unknown(substitute);
+    for (std::string const& piece : pieces) Writes::write(converter, piece);
+    converter.end();
+    return {sink->bytes, converter.ferrCnt(), converter.terrCnt()};
+}
+
+template <class T, size_t n> T const& oneOf(T const (&all)[n], std::uint8_t choice)
+{
+    return all[choice % n];
+}
+
+void checkUtf8(Writes::Pieces const& pieces, std::string const& text)
+{
+    Outcome const shortWay = converted(pieces, "UTF-8", "UTF-8", true);
+    Outcome const longWay = converted({text}, "UTF-8", "UTF-16LE", true);
+    Writes::require(converted({longWay.bytes}, "UTF-16LE", "UTF-8", true).bytes == shortWay.bytes);
+    Writes::require(longWay.bad == shortWay.bad && shortWay.missing == 0);
+    Writes::require((shortWay.bytes == text) == (shortWay.bad == 0));
+    Buffer kept;
+    std::string used;
+    bool const reads = VmaraConv::m_conv(kept, used, text.data(), static_cast<uint_t>(text.size()), {"UTF-8"}, "UTF-8");
+    Writes::require(reads == (shortWay.bad == 0));
+}
+
+} // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t n)
+{
+    if (n < 3) return 0;
+    char const* const from = oneOf(sources, data[0]);
+    char const* const to = oneOf(targets, data[0] / 32);
+    bool const substitute = data[1] % 2 == 0;
+    // Few bytes make many: pieces of hundreds of units are where characters meet the ends of buffers.
+    std::string const seed(reinterpret_cast<char const*>(data) + 3, n - 3);
+    std::string text = seed;
+    for (unsigned int i = data[2] % 64; i != 0 && text.size() < 4096; --i) text += seed;
+    Writes::Pieces const pieces = Writes::cut(text, {data[1]});
+    Outcome const whole = converted({text}, from, to, substitute);
+    Writes::require(whole == converted(pieces, from, to, substitute));
+    Writes::require(substitute || whole.bad == 0);
+    checkUtf8(pieces, text);
+    return 0;
+}
