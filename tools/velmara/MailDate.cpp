@@ -5,7 +5,6 @@
 #include <algorithm>
 #include <cctype>
 #include <cstdio>
-#include <cstdlib>
 #include <ctime>
 #include <iterator>
 #include <utility>
@@ -55,9 +54,13 @@ Words _wordsOf(std::string_view text)
 /// A whole number of at most `most` digits, -1 if it is none.
 int _number(std::string_view digits, size_t most)
 {
-    bool const isOne = !digits.empty() && digits.size() <= most &&
-                       std::all_of(digits.begin(), digits.end(), [](char c) { return c >= '0' && c <= '9'; });
-    return isOne ? std::atoi(std::string(digits).c_str()) : -1;
+    if (digits.empty() || digits.size() > most) return -1;
+    int number = 0;
+    for (char c : digits) {
+        if (c < '0' || c > '9') return -1;
+        number = number * 10 + (c - '0');
+    }
+    return number;
 }
 
 int _month(std::string const& word)
