@@ -59,17 +59,17 @@ ContentEncoding::EncodingType _numberOf(ContentEncoding const& encoding)
 
 } // namespace
 
-bool have_encoder(ContentEncoding::EncodingType encoding, ContentType* type)
+bool have_encoder(ContentEncoding::EncodingType encoding, ContentType const* type)
 {
     return _find(encoding, type) != nullptr;
 }
 
-bool have_encoder(ContentEncoding& encoding, ContentType* type)
+bool have_encoder(ContentEncoding const& encoding, ContentType const* type)
 {
     return have_encoder(_numberOf(encoding), type);
 }
 
-MediaOutDecorator get_decodec(MediaOut& out, ContentEncoding::EncodingType encoding, ContentType* type)
+MediaOutDecorator get_decodec(MediaOut const& out, ContentEncoding::EncodingType encoding, ContentType const* type)
 {
     Codec const* const codec = _find(encoding, type);
     if (!codec) return MediaOutDecorator();
@@ -78,40 +78,40 @@ MediaOutDecorator get_decodec(MediaOut& out, ContentEncoding::EncodingType encod
     return decoder;
 }
 
-MediaOutDecorator get_decodec(MediaOut& out, ContentEncoding& encoding, ContentType* type)
+MediaOutDecorator get_decodec(MediaOut const& out, ContentEncoding const& encoding, ContentType const* type)
 {
     return get_decodec(out, _numberOf(encoding), type);
 }
 
-MediaOut get_decoder(MediaOut& out, ContentEncoding::EncodingType encoding, ContentType* type)
+MediaOut get_decoder(MediaOut const& out, ContentEncoding::EncodingType encoding, ContentType const* type)
 {
     MediaOutDecorator const decoder = get_decodec(out, encoding, type);
     return decoder.isNull() ? out : MediaOut(decoder);
 }
 
-MediaOut get_decoder(MediaOut& out, ContentEncoding& encoding, ContentType* type)
+MediaOut get_decoder(MediaOut const& out, ContentEncoding const& encoding, ContentType const* type)
 {
     return get_decoder(out, _numberOf(encoding), type);
 }
 
-MediaOut get_encoder(MediaOut& out, ContentEncoding::EncodingType encoding, ContentType* type)
+MediaOut get_encoder(MediaOut const& out, ContentEncoding::EncodingType encoding, ContentType const* type)
 {
     Codec const* const codec = _find(encoding, type);
     return codec ? codec->encoder(out) : out;
 }
 
-MediaOut get_encoder(MediaOut& out, ContentEncoding& encoding, ContentType* type)
+MediaOut get_encoder(MediaOut const& out, ContentEncoding const& encoding, ContentType const* type)
 {
     return get_encoder(out, _numberOf(encoding), type);
 }
 
-MediaIn get_decoded(MediaIn& in, ContentEncoding::EncodingType encoding, ContentType* type)
+MediaIn get_decoded(MediaIn const& in, ContentEncoding::EncodingType encoding, ContentType const* type)
 {
     Codec const* const codec = _find(encoding, type);
     return codec ? MediaIn(new DecodeMediaIn(in, codec->decoder()), false) : in;
 }
 
-MediaIn get_decoded(MediaIn& in, ContentEncoding& encoding, ContentType* type)
+MediaIn get_decoded(MediaIn const& in, ContentEncoding const& encoding, ContentType const* type)
 {
     return get_decoded(in, _numberOf(encoding), type);
 }

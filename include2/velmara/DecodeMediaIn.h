@@ -54,23 +54,27 @@ private:
 /// A null encoding counts as encoding 0; the type may be null, as pointer and as handle.
 ///
 /// True if there is a codec.
-VELMARA_EXPORT bool have_encoder(ContentEncoding& encoding, ContentType* type);
-VELMARA_EXPORT bool have_encoder(ContentEncoding::EncodingType encoding, ContentType* type);
+VELMARA_EXPORT bool have_encoder(ContentEncoding const& encoding, ContentType const* type);
+VELMARA_EXPORT bool have_encoder(ContentEncoding::EncodingType encoding, ContentType const* type);
 
 /// The decoder, attached to `out`; a null decorator if there is none.
-VELMARA_EXPORT MediaOutDecorator get_decodec(MediaOut& out, ContentEncoding& encoding, ContentType* type);
-VELMARA_EXPORT MediaOutDecorator get_decodec(MediaOut& out, ContentEncoding::EncodingType encoding, ContentType* type);
+VELMARA_EXPORT MediaOutDecorator get_decodec(MediaOut const& out, ContentEncoding const& encoding,
+                                             ContentType const* type);
+VELMARA_EXPORT MediaOutDecorator get_decodec(MediaOut const& out, ContentEncoding::EncodingType encoding,
+                                             ContentType const* type);
 
 /// The decoder on `out`, or `out` itself if there is none.
-VELMARA_EXPORT MediaOut get_decoder(MediaOut& out, ContentEncoding& encoding, ContentType* type);
-VELMARA_EXPORT MediaOut get_decoder(MediaOut& out, ContentEncoding::EncodingType encoding, ContentType* type);
+VELMARA_EXPORT MediaOut get_decoder(MediaOut const& out, ContentEncoding const& encoding, ContentType const* type);
+VELMARA_EXPORT MediaOut get_decoder(MediaOut const& out, ContentEncoding::EncodingType encoding,
+                                    ContentType const* type);
 
 /// The encoder on `out`, or `out` itself if there is none.
-VELMARA_EXPORT MediaOut get_encoder(MediaOut& out, ContentEncoding& encoding, ContentType* type);
-VELMARA_EXPORT MediaOut get_encoder(MediaOut& out, ContentEncoding::EncodingType encoding, ContentType* type);
+VELMARA_EXPORT MediaOut get_encoder(MediaOut const& out, ContentEncoding const& encoding, ContentType const* type);
+VELMARA_EXPORT MediaOut get_encoder(MediaOut const& out, ContentEncoding::EncodingType encoding,
+                                    ContentType const* type);
 
 /// A DecodeMediaIn over `in`, or `in` itself if there is no codec.
-VELMARA_EXPORT MediaIn get_decoded(MediaIn& in, ContentEncoding& encoding, ContentType* type);
-VELMARA_EXPORT MediaIn get_decoded(MediaIn& in, ContentEncoding::EncodingType encoding, ContentType* type);
+VELMARA_EXPORT MediaIn get_decoded(MediaIn const& in, ContentEncoding const& encoding, ContentType const* type);
+VELMARA_EXPORT MediaIn get_decoded(MediaIn const& in, ContentEncoding::EncodingType encoding, ContentType const* type);
 
 } // namespace Velmara

@@ -113,6 +113,18 @@ TEST(CodecSelection, NullsAreNoCodec)
     EXPECT_EQ(in.get(), get_decoded(in, encoding, nullptr).get()) << "the very same stream";
 }
 
+TEST(CodecSelection, NothingGivenHasToBeAVariable)
+{
+    ContentType const type("text/plain");
+    string decoded;
+    get_decoded(BufferMediaIn(string("Q2F0")), ContentEncoding("base64"), &type).read(decoded);
+    EXPECT_EQ("Cat", decoded);
+    EXPECT_TRUE(have_encoder(ContentEncoding("base64"), &type));
+    Collected collected;
+    get_decoder(collected.media(), ContentEncoding("base64"), &type).write(bytes("Q2F0"));
+    EXPECT_EQ("Cat", collected.take());
+}
+
 TEST(CodecSelection, EncodersAndDecodersArePairs)
 {
     for (Row const& row : _rows) {
