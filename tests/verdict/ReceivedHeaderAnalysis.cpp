@@ -41,7 +41,8 @@ TEST(ReceivedHeaderAnalysis, ARecordSharesTheTextOfTheHeader)
 TEST(ReceivedHeaderAnalysis, KeepsRecordsInTheirOrder)
 {
     ReceivedHeaderAnalysis analysis;
-    for (char const* value : {"by a.example id 1; x", "by b.example id 2; x"}) analysis.records.emplace_back(Received(value));
+    for (char const* value : {"by a.example id 1; x", "by b.example id 2; x"})
+        analysis.records.emplace_back(Received(value));
     analysis.records.front().marks[9] = 1;
     ReceivedHeaderAnalysis const copy = analysis; // NOLINT(performance-unnecessary-copy-initialization)
     EXPECT_EQ("a.example", copy.records.front().header.by());
