@@ -265,8 +265,9 @@ void VmaraConvImpl::flush(bool close)
         do {
             toUnicode(nothing, units, true);
             bool const last = !units.more && !units.failed;
-            for (UChar const* at = units.buffer; fromUnicodeOnce(at, units.end, last);) {
-            }
+            // Not until a call writes nothing: ISO-2022-KR begins anew with its header after each flush.
+            UChar const* at = units.buffer;
+            while (fromUnicodeOnce(at, units.end, last) && (at != units.end || m_bytesWait)) continue;
         } while (units.more || (units.failed && m_fruitless <= 1));
         m_waiting = false;
     }

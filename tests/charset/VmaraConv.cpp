@@ -269,6 +269,14 @@ TEST(VmaraConv, AFlushReturnsTheTargetToItsInitialState)
     EXPECT_EQ("\x1b$B2q", out.take());
 }
 
+// Its converter has the header ready again after each flush, so there is always something to write.
+TEST(VmaraConv, AnEndIntoIso2022KrWritesOneHeader)
+{
+    EXPECT_EQ((Outcome{"\x1b$)C\x0e\x30\x21\x0f", 0, 0}), converted({"가"}, "UTF-8", "ISO-2022-KR", true));
+    EXPECT_EQ((Outcome{"\x1b$)C" + string(2000, 'a'), 0, 0}),
+              converted({string(2000, 'a')}, "UTF-8", "ISO-2022-KR", true));
+}
+
 TEST(VmaraConv, WriteThroughComesBehindWhatWaits)
 {
     Collected out;
