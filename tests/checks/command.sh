@@ -64,7 +64,7 @@ printf 'Überblick über das erste Quartal:\r\nUmsatz = 1.234.567 €\r\n' | cmp
 expect "a raw body" 0 "$velmara" body --raw samples/attachments.eml 1.4
 holds out "R0lGODlhAQABA" "a raw body"
 expect "a path that does not exist" 2 "$velmara" body samples/attachments.eml 1.9
-holds err "part 1.9 does not exist" "a path that does not exist"
+holds err "1.9 does not exist" "a path that does not exist"
 silent out "a path that does not exist"
 expect "the body of a container" 2 "$velmara" body samples/newsletter.eml 1.2
 silent out "the body of a container"
