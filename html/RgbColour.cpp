@@ -111,16 +111,16 @@ bool RgbColour::operator==(RgbColour const& other) const
     return red == other.red && green == other.green && blue == other.blue;
 }
 
-bool RgbColour::isVisible(RgbColour const& background) const
+double RgbColour::distance(RgbColour const& other) const
 {
-    if (*this == background) return false;
-    double const dr = static_cast<double>(background.red) - red;
-    double const dg = static_cast<double>(background.green) - green;
-    double const db = static_cast<double>(background.blue) - blue;
+    if (*this == other) return 0.0;
+    double const dr = static_cast<double>(other.red) - red;
+    double const dg = static_cast<double>(other.green) - green;
+    double const db = static_cast<double>(other.blue) - blue;
     // The squares of the weights 0.2126, 0.7152 and 0.0722.
     double const d = 0.04519876 * dr * dr + 0.51151104 * dg * dg + 0.00521284 * db * db;
     // This form of the square root, not sqrt: a distance of just 14 must fall alike everywhere.
-    return std::exp(std::log(d) * 0.5) >= 14.0;
+    return std::exp(std::log(d) * 0.5);
 }
 
 CssRgbColour::CssRgbColour(std::string const& text, bool useWhiteIfUnknown)

@@ -34,9 +34,11 @@ public:
     bool operator==(RgbColour const& other) const;
     bool operator!=(RgbColour const& other) const { return !(*this == other); }
 
-    /// Whether text of this colour can be told from a background: by how bright the eye finds the
-    /// difference (the luma weights of Rec. 709), at 14 of 255 or more. Equal colours never can.
-    bool isVisible(RgbColour const& background) const;
+    /// Whether text of this colour can be told from a background: at a distance of 14 or more.
+    bool isVisible(RgbColour const& background) const { return distance(background) >= 14.0; }
+    /// How bright the eye finds the difference of two colours (the luma weights of Rec. 709): 0 of equal
+    /// ones, 191 of black and white.
+    double distance(RgbColour const& other) const;
 
     int red;
     int green;

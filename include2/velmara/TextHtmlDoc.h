@@ -64,6 +64,10 @@ public:
 
     /// Whether text at this point of the walk would be seen.
     bool isVisible();
+    /// The colours and the font size, from 0 to 7, in force at this point. Text can be hidden though both
+    /// would show it: by a size of 0 since which no colour was set.
+    Colour const& presentColour() const { return m_colour; }
+    unsigned int presentFontSize() const { return m_fontSize; }
     /// The bytes of the document.
     Buffer const& html() const { return m_html; }
 

@@ -25,7 +25,7 @@ field() {
     local got
     got=$(python3 -c 'import json,sys
 it = json.loads(open(sys.argv[1], "rb").read().decode("utf-8"))
-views = {(part["path"], header["name"]): header for part in it.get("parts", []) for header in part["headers"]}
+views = {(part["path"], header["name"]): header for part in it.get("parts", []) for header in part.get("headers", [])}
 print(json.dumps(eval(sys.argv[2])))' "$work/out" "$2") && [ "$got" = "$3" ] ||
         { echo "$1: $2 is $got, not $3" >&2; failed=1; }
 }
@@ -228,5 +228,38 @@ holds out "│  -1 d 1 h" "clocks that differ"
 holds out "1  from ?" "a hop without a sender"
 holds out "by   b" "the semicolon of the date"
 ! grep -qF "b;" "$work/out" || { echo "route: the semicolon of the date is shown" >&2; failed=1; }
+
+expect "the text of an analysis" 0 "$velmara" text samples/newsletter.eml
+holds out "See it at https://www.shop.example/spring" "the plain part"
+holds out "garden chair garden chair cheap cheap" "the HTML part"
+! grep -qF "bgcolor" "$work/out" || { echo "text: markup is shown" >&2; failed=1; }
+printf '\n\na\033[31m\nb' >"$work/text.eml"
+expect "text with control characters" 0 "$velmara" text "$work/text.eml"
+holds out 'a\x1B[31m' "text with control characters"
+expect "text as json" 0 "$velmara" text --json "$work/text.eml"
+field "the text" 'it["text"]' '"\na\u001b[31m\nb"'
+cat >"$work/offer.eml" <<'MAIL'
+Content-Type: text/html
+
+<body>Your <b>account</b>
+<font color=white>garden chair</font><font color=black style="font-size:0">winter coats</font><font size=4>late</font>
+<table text=black><tr><td>Sign in at <a href="http://thief.example/login">www.bank.example</a>
+<a href="http://shop.example/a">shop.example/a</a></td></tr></table><img src="cid:logo" width="50%" height=40>
+MAIL
+expect "the view of HTML" 0 "$velmara" html "$work/offer.eml"
+holds out "    visible, 0,0,0 on 255,255,255 (distance 191.2), size 3: account" "text that is visible"
+holds out "    hidden by colour, 255,255,255 on 255,255,255 (distance 0.0), size 3: garden chair" "text hidden by its colour"
+holds out "    hidden by size 0, 0,0,0 on 255,255,255 (distance 191.2), size 0: winter coats" "text hidden by its size"
+holds out "    hidden by an earlier size 0, 0,0,0 on 255,255,255 (distance 191.2), size 4: late" "text hidden by an earlier size"
+holds out "    link (a) to thief.example: http://thief.example/login" "a link of HTML"
+holds out "        its text names another host, www.bank.example: www.bank.example" "a link that lies"
+holds out "    image <logo>, 300 x 40, 2 lines of text above, first of its run" "an image of HTML"
+expect "the view of HTML as json" 0 "$velmara" html --json "$work/offer.eml"
+field "hidden text" '[run["hiddenBy"] for run in it["parts"][0]["runs"] if run["text"].strip() and not run["visible"]]' '["colour", "size", "earlier-size"]'
+field "links" '[[link["element"], link["host"], link.get("otherHosts")] for link in it["parts"][0]["links"]]' \
+    '[["a", "thief.example", ["www.bank.example"]], ["a", "shop.example", null], ["source", "www.bank.example", null]]'
+field "images" '[[image["source"], image["textLine"]] for image in it["parts"][0]["images"]]' '[["<logo>", 2]]'
+expect "no HTML" 0 "$velmara" html samples/reminder.eml
+silent out "no HTML"
 
 exit $failed

@@ -128,6 +128,15 @@ TEST(RgbColour, OfAnyOtherNodeNothingIsRead)
     EXPECT_EQ(RgbColour(0, 0, 0), RgbColour(&empty, true));
 }
 
+TEST(RgbColour, TheDistanceWeighsGreenMost)
+{
+    RgbColour const black(0, 0, 0);
+    EXPECT_EQ(0.0, black.distance(black));
+    EXPECT_NEAR(21.26, RgbColour(100, 0, 0).distance(black), 1e-9);
+    EXPECT_NEAR(71.52, RgbColour(0, 100, 0).distance(black), 1e-9);
+    EXPECT_NEAR(7.22, RgbColour(0, 0, 100).distance(black), 1e-9);
+}
+
 TEST(RgbColour, IsEqualInAllThreeParts)
 {
     EXPECT_TRUE(RgbColour(1, 2, 3) == RgbColour(1, 2, 3));

@@ -409,6 +409,19 @@ TEST(TextHtmlDoc, ColoursAreBlackUnlessTold)
     EXPECT_FALSE(colour.isVisible());
 }
 
+TEST(TextHtmlDoc, TellsTheColoursAndTheSizeInForce)
+{
+    TextHtmlDoc document(true);
+    EXPECT_EQ(RgbColour(0, 0, 0), document.presentColour().foreground);
+    EXPECT_EQ(RgbColour(255, 255, 255), document.presentColour().background);
+    EXPECT_EQ(3u, document.presentFontSize());
+    document.colour(TextHtmlDoc::Colour(RgbColour(1, 2, 3), RgbColour(4, 5, 6)));
+    document.fontsize(0);
+    EXPECT_EQ(RgbColour(1, 2, 3), document.presentColour().foreground);
+    EXPECT_EQ(RgbColour(4, 5, 6), document.presentColour().background);
+    EXPECT_EQ(0u, document.presentFontSize());
+}
+
 TEST(TextHtmlDoc, AStyleMustBeAText)
 {
     TextHtmlDoc document(false);

@@ -12,7 +12,8 @@ namespace {
 
 /// In the order in which `--help` shows them.
 constexpr AddVerb _verbs[] = {
-    addTree, addBody, addHeaders, addRoute, addDecode, addType, addTokens, addSign, addLinks, addReply, addNames,
+    addTree, addBody,   addHeaders, addRoute, addDecode, addType,  addText,
+    addHtml, addTokens, addSign,    addLinks, addReply,  addNames,
 };
 
 int _run(int argc, char** argv)
