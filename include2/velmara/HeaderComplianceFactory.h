@@ -44,6 +44,8 @@ public:
     HeaderComplianceFactory() = default;
     /// Points at a new object, whatever the flag says.
     explicit HeaderComplianceFactory(bool);
+
+    bool isNull() const { return !get(); }
 };
 
 /// An address as it may stand in a header: "Name <address>", the name as an encoded word if it holds

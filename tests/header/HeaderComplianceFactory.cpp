@@ -147,6 +147,12 @@ TEST(HeaderCompliance, CopiesShareTheFlags)
     EXPECT_FALSE(factory->replace());
 }
 
+TEST(HeaderCompliance, CanBeAskedWhetherThereIsAnObject)
+{
+    EXPECT_TRUE(HeaderComplianceFactory().isNull());
+    EXPECT_FALSE(HeaderComplianceFactory(false).isNull());
+}
+
 TEST(HeaderCompliance, WithoutAFlagThereIsNoObject)
 {
     EXPECT_EQ(nullptr, HeaderComplianceFactory().get());
