@@ -48,9 +48,10 @@ public:
     /// (code 4).
     static RefVMRStaticCharSetFallbacks instance(VMRStaticCharSetFallbacks* list, bool addRef);
 
-private:
+    /// The shared list and its lock, for who has to look at it and change it in one go. instance() takes
+    /// the lock itself, so it must not be called under it.
     static RefVMRStaticCharSetFallbacks s_fallbacks;
-    static Mutex s_mutex; // guards s_fallbacks
+    static Mutex s_mutex;
 };
 
 } // namespace Velmara

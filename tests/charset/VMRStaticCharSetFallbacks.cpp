@@ -64,5 +64,15 @@ TEST(SharedFallbacks, AnObjectOfTheCallersIsCountedWhenAskedFor)
     EXPECT_TRUE(RefVMRStaticCharSetFallbacks::instance().isNull());
 }
 
+TEST(SharedFallbacks, TheSharedHandleCanBeReadUnderItsLock)
+{
+    auto const mine = RefVMRStaticCharSetFallbacks::instance(new VMRStaticCharSetFallbacksImpl<int>(1), false);
+    {
+        Synchronized const guard(RefVMRStaticCharSetFallbacks::s_mutex);
+        EXPECT_EQ(mine.get(), RefVMRStaticCharSetFallbacks::s_fallbacks.get());
+    }
+    RefVMRStaticCharSetFallbacks::instance(nullptr, false);
+}
+
 } // namespace
 } // namespace Velmara
