@@ -1,21 +1,8 @@
 #include <velmara/SmtpResponse.h>
 
-#include <velmara/Regex.h>
-#include <velmara/Singleton.h>
-
 #include "runtime/Ascii.h"
 
 namespace Velmara::SMTP {
-
-/// Finds the enhanced code of a reply line: group 2.
-class _ResponseParser : public Singleton<_ResponseParser> {
-public:
-    _ResponseParser() : m_expression(R"(^(\d\d\d)[-\s](\d{1,3}\.\d{1,3}\.\d{1,3})\s*(.*$))", 0, true) {}
-    Regex::Expression const& expression() const { return m_expression; }
-
-private:
-    Regex::Expression m_expression;
-};
 
 namespace {
 
@@ -34,6 +21,9 @@ bool _startsWithThreeDigits(std::string const& line)
 }
 
 } // namespace
+
+_ResponseParser::_ResponseParser() : Regex::Expression(R"(^(\d\d\d)[-\s](\d{1,3}\.\d{1,3}\.\d{1,3})\s*(.*$))", 0, true)
+{}
 
 EnhancedStatusCode::EnhancedStatusCode() = default;
 EnhancedStatusCode::~EnhancedStatusCode() = default;
@@ -67,7 +57,7 @@ Response::Response(std::string const& line)
 {
     if (!_startsWithThreeDigits(line)) return;
     std::vector<std::string> groups;
-    if (_ResponseParser::instance().expression()(line, groups)) m_enhanced.value(groups[2]);
+    if (_ResponseParser::instance()(line, groups)) m_enhanced.value(groups[2]);
     m_class = _replyClasses[line[0] - '0'];
     m_category = _replyCategories[line[1] - '0'];
     m_detail = line[2] - '0';

@@ -2,9 +2,17 @@
 
 #include <string>
 
-#include <velmara/Export.h>
+#include <velmara/Regex.h>
+#include <velmara/Singleton.h>
 
 namespace Velmara::SMTP {
+
+/// The expression that finds the enhanced code of a reply line: group 1 is the reply code, 2 the
+/// enhanced code, 3 the text. One for the process; any number of threads may use it.
+class VELMARA_EXPORT _ResponseParser : public Regex::Expression, public Singleton<_ResponseParser> {
+public:
+    _ResponseParser();
+};
 
 /// An enhanced status code (RFC 3463), such as 5.7.1.
 class VELMARA_EXPORT EnhancedStatusCode {

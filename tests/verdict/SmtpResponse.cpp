@@ -51,6 +51,15 @@ INSTANTIATE_TEST_SUITE_P(
                     Row{"FourDigitsAreNoCode", "250 2.1.1234 x", {2, 5, 0}, true, {2, 1, 123}}),
     [](auto const& row) { return std::string(row.param.rule); });
 
+TEST(ResponseParser, IsTheExpressionOfTheWholeProcess)
+{
+    std::vector<std::string> groups;
+    auto const& parser = Singleton<SMTP::_ResponseParser>::instance();
+    EXPECT_TRUE(parser("421-4.7.0 Try again", groups));
+    EXPECT_EQ((std::vector<std::string>{"421-4.7.0 Try again", "421", "4.7.0", "Try again"}), groups);
+    EXPECT_FALSE(parser("354 Start mail input", groups));
+}
+
 TEST(EnhancedStatusCode, AnEmptyTextDoesNothing)
 {
     EnhancedStatusCode code;
