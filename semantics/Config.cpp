@@ -194,7 +194,7 @@ TD::langID Config::languageOf(std::string const& charset) const
 dict const& Config::dictionary(TD::langID language) const
 {
     static dict const empty;
-    size_t const slot = language == TD::LanguageTraditionalChinese ? TD::LanguageSimplifiedChinese : language;
+    auto const slot = static_cast<size_t>(language);
     dict const* list = slot < _slots ? m_state->lists[slot].load(std::memory_order_acquire) : nullptr;
     return list ? *list : empty;
 }

@@ -156,6 +156,12 @@ TD::langID _languageOf(std::string const& charset, std::string_view text)
     return script.russian ? TD::LanguageCyrillic : TD::LanguageWestern;
 }
 
+/// Both ways to write Chinese share one list.
+TD::langID _languageOfWords(TD::langID language)
+{
+    return language == TD::LanguageTraditionalChinese ? TD::LanguageSimplifiedChinese : language;
+}
+
 bool _hasBlanksBetweenWords(TD::langID language)
 {
     return language == TD::LanguageWestern || language == TD::LanguageArabic || language == TD::LanguageCyrillic ||
@@ -186,7 +192,7 @@ TD::TD(std::string const& charset) : m_language(_languageOf(charset, {})), m_cha
 TD::TD(std::string const& text, std::string const& charset)
     : m_language(_languageOf(charset, text)), m_charset(stringToLower(charset))
 {
-    dict const& words = configuration().dictionary(m_language);
+    dict const& words = configuration().dictionary(_languageOfWords(m_language));
     if (_hasBlanksBetweenWords(m_language)) {
         getSemantics_1(text, words);
         return;

@@ -63,7 +63,8 @@ public:
 
     /// The language of a charset in any case; LanguageWestern if it is not known.
     TD::langID languageOf(std::string const& charset) const;
-    /// The list of a language; empty for those without one.
+    /// The list under a language's own number; empty for those without one. Traditional Chinese has
+    /// none: its texts are read with the list of simplified Chinese, which holds both writings.
     dict const& dictionary(TD::langID language) const;
 
     /// True when loading by TD::s_initConfig() has ended.
