@@ -156,7 +156,7 @@ void Config::readDict(std::string const& dir)
             list.words = before->words;
         }
         for (WordFile const& file : _wordFiles)
-            if (file.slot == slot) list.read(_pathOf(dir, file.name));
+            if (file.slot == slot) list.readIndexed(_pathOf(dir, file.name));
         m_state->owned.push_back(std::move(list));
         m_state->lists[slot].store(&m_state->owned.back(), std::memory_order_release);
     }

@@ -105,6 +105,15 @@ dict& dict::operator=(dict other) noexcept
 
 void dict::read(std::string const& path)
 {
+    readIndexed(path);
+    // Whoever reads a list himself may change it as he likes, and the index would point at what he removed.
+    m_slots.clear();
+    m_indexed = 0;
+}
+
+/// Leaves an index, which is true for as long as nobody changes `words`.
+void dict::readIndexed(std::string const& path)
+{
     std::optional<FileMediaIn> file = openedIfThere(path);
     if (!file) return;
     if (name.empty()) name = path;

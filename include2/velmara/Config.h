@@ -30,8 +30,10 @@ struct VELMARA_EXPORT dict {
     unsigned int const* find(wchar_t const* word, size_t length) const;
 
 private:
+    friend class Config; // nobody can change its lists, so they keep their index
     class Batch;
     using Entry = std::map<std::wstring, unsigned int>::value_type;
+    void readIndexed(std::string const& path);
     void reindex(size_t count);
     void index(Entry& entry);
     void place(Entry& entry);

@@ -150,6 +150,20 @@ TEST(Dict, WordsAddedByHandAfterReadingAreFoundToo)
     EXPECT_EQ(2u, *list.find(L"read", 4));
 }
 
+TEST(Dict, WordsReplacedByHandAfterReadingAreGone)
+{
+    DictionaryFiles const files;
+    files.writeWords("list", {L"first", L"second"});
+    dict list;
+    list.read(files.dir() + "/list");
+    list.words = {{L"third", 7}, {L"fourth", 8}}; // as many as before
+    EXPECT_EQ(nullptr, list.find(L"first", 5));
+    EXPECT_EQ(7u, *list.find(L"third", 5));
+    list.read(files.dir() + "/list");
+    EXPECT_EQ(4u, *list.find(L"first", 5));
+    EXPECT_EQ(8u, *list.find(L"fourth", 6));
+}
+
 TEST(Dict, ACopyIsIndependentOfTheOriginal)
 {
     DictionaryFiles const files;
