@@ -6,60 +6,61 @@ namespace Velmara {
 
 namespace {
 
-// Trivial, so that it can still be asked when a thread's other data are gone: converters may live
-// in static objects.
-thread_local bool s_poolIsGone = false;
+using Opened = IcuConverter::Opened;
 
-/// The converters that wait on this thread.
-class _Pool : private NonCopyable {
-public:
-    ~_Pool()
-    {
-        s_poolIsGone = true;
-        for (Slot& slot : m_slots) ucnv_close(slot.converter);
-    }
-
-    UConverter* take(std::string const& name)
-    {
-        for (Slot& slot : m_slots)
-            if (slot.converter && slot.name == name) return std::exchange(slot.converter, nullptr);
-        return nullptr;
-    }
-
-    void put(UConverter* converter, std::string& name)
-    {
-        Slot& slot = free();
-        ucnv_close(slot.converter);
-        slot.converter = converter;
-        slot.name.swap(name);
-    }
-
-private:
-    struct Slot {
-        UConverter* converter = nullptr; // owned
-        std::string name;
-    };
+/// The converters that wait on one thread. Trivial, so that it can still be asked when a thread's other
+/// data are gone: converters may live in static objects.
+struct _Waiting {
     static constexpr unsigned int count = 8;
 
-    /// An empty slot, else each in turn.
-    Slot& free()
-    {
-        for (Slot& slot : m_slots)
-            if (!slot.converter) return slot;
-        return m_slots[m_turn++ % count];
-    }
-
-    Slot m_slots[count];
-    unsigned int m_turn = 0;
+    Opened* slots[count]; // owned, null where empty
+    unsigned int turn;    // counts what had to make room
+    bool isKept;          // somebody empties the slots when the thread ends
+    bool isGone;          // that has happened
 };
 
-_Pool& _pool()
+thread_local _Waiting s_waiting;
+
+struct _Keeper {
+    ~_Keeper()
+    {
+        s_waiting.isGone = true;
+        for (Opened*& slot : s_waiting.slots) delete std::exchange(slot, nullptr);
+    }
+    void keep() const { s_waiting.isKept = true; }
+};
+
+void _keep()
 {
-    thread_local _Pool pool;
-    return pool;
+    static thread_local _Keeper const keeper;
+    keeper.keep();
 }
 
-/// The state of a new converter. The callbacks go first: ucnv_reset calls them.
+Opened* _take(std::string const& name)
+{
+    for (Opened*& slot : s_waiting.slots)
+        if (slot && slot->name == name) return std::exchange(slot, nullptr);
+    return nullptr;
+}
+
+/// An empty slot, else each in turn.
+Opened*& _slotToFill(_Waiting& waiting)
+{
+    for (Opened*& slot : waiting.slots)
+        if (!slot) return slot;
+    return waiting.slots[waiting.turn++ % _Waiting::count];
+}
+
+void _put(std::unique_ptr<Opened> opened)
+{
+    _Waiting& waiting = s_waiting;
+    if (waiting.isGone) return;
+    if (!waiting.isKept) _keep();
+    Opened*& slot = _slotToFill(waiting);
+    delete std::exchange(slot, opened.release());
+}
+
+/// The state of a new converter. The callbacks go first: ucnv_reset and ucnv_close call them.
 void _renew(UConverter* converter)
 {
     UErrorCode status = U_ZERO_ERROR;
@@ -74,25 +75,19 @@ void _renew(UConverter* converter)
 bool IcuConverter::open(std::string const& name)
 {
     close();
-    m_converter = s_poolIsGone ? nullptr : _pool().take(name);
-    if (!m_converter) {
-        UErrorCode status = U_ZERO_ERROR;
-        m_converter = ucnv_open(name.c_str(), &status);
-    }
-    if (m_converter) m_name = name;
-    return m_converter;
+    m_opened.reset(_take(name));
+    if (m_opened) return true;
+    UErrorCode status = U_ZERO_ERROR;
+    if (UConverter* const converter = ucnv_open(name.c_str(), &status))
+        m_opened = std::make_unique<Opened>(converter, name);
+    return bool(m_opened);
 }
 
 void IcuConverter::close()
 {
-    UConverter* converter = std::exchange(m_converter, nullptr);
-    if (!converter) return;
-    if (s_poolIsGone) {
-        ucnv_close(converter);
-        return;
-    }
-    _renew(converter);
-    _pool().put(converter, m_name);
+    if (!m_opened) return;
+    _renew(m_opened->converter);
+    _put(std::move(m_opened));
 }
 
 } // namespace Velmara

@@ -1,10 +1,9 @@
 #pragma once
 
+#include <memory>
 #include <string>
 
 #include <unicode/ucnv.h>
-
-#include <velmara/VmaraRefcounted.h>
 
 namespace Velmara {
 
@@ -13,21 +12,33 @@ namespace Velmara {
 /// Opening costs as much as converting a short header value, and header values come in runs of few
 /// character sets, so a closed converter waits, reset to the state of a new one, for the next open
 /// with the same name on its thread. A thread keeps at most eight.
-class IcuConverter : private NonCopyable {
+class IcuConverter {
 public:
     IcuConverter() = default;
+    IcuConverter(IcuConverter const&) = delete;
+    IcuConverter& operator=(IcuConverter const&) = delete;
     ~IcuConverter() { close(); }
 
     /// Closes what is open. False, with nothing open, if ICU does not know the name.
     bool open(std::string const& name);
     void close();
 
-    explicit operator bool() const { return m_converter; }
-    UConverter* get() const { return m_converter; }
+    explicit operator bool() const { return bool(m_opened); }
+    UConverter* get() const { return m_opened->converter; }
+
+    /// A converter with the name under which it was opened.
+    struct Opened {
+        UConverter* const converter; // owned
+        std::string const name;
+
+        Opened(UConverter* icu, std::string const& as) : converter(icu), name(as) {}
+        Opened(Opened const&) = delete;
+        Opened& operator=(Opened const&) = delete;
+        ~Opened() { ucnv_close(converter); }
+    };
 
 private:
-    UConverter* m_converter = nullptr; // owned
-    std::string m_name;                // under which it was opened
+    std::unique_ptr<Opened> m_opened;
 };
 
 } // namespace Velmara

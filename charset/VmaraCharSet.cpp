@@ -2,16 +2,21 @@
 // most 1064 bytes a call. A character or a shift sequence that a write cuts stays inside ICU. Bad
 // bytes and missing characters reach the two callbacks, which always clear the status, so ICU goes on.
 //
+// Nearly always the target is UTF-8, which is written here instead: that half of the work costs most of
+// the time in ICU. Filters downstream can see where writes end, so writes end where ICU's would, and
+// the bytes of a last character that found no room wait for the next write as they wait inside ICU. A
+// target called "utf8" takes the way through ICU, for tests to compare the two.
+//
 // A failure that does not go through the callbacks gives an ISO-2022-JP text up and reads on as
 // Shift_JIS, which mailers put under that name.
 //
-// UTF-8 into UTF-8 (a forced conversion, the way to validate) has a short way: a piece that is
-// well-formed goes downstream as it stands, cut where the two calls would have cut it. A piece with
-// anything else in it goes through ICU whole. Filters downstream can see where writes end, so the
-// short way must not show there either.
+// UTF-8 into UTF-8 (a forced conversion, the way to validate) is shorter still: a piece that is
+// well-formed goes downstream as it stands, cut where the two steps would have cut it. A piece with
+// anything else in it takes both steps whole.
 #include <velmara/VmaraConv.h>
 
 #include <algorithm>
+#include <utility>
 
 #include <unicode/ucnv_cb.h>
 
@@ -26,12 +31,17 @@ namespace Velmara {
 namespace {
 
 constexpr unsigned int _unitsAtOnce = 512;
-constexpr unsigned int _bytesAtOnce = 1064;
+constexpr std::ptrdiff_t _bytesAtOnce = 1064;
 constexpr std::ptrdiff_t _mostForIcu = 1 << 30; // ICU refuses 2 GiB and more in one call
 
 bool _sameName(std::string const& a, std::string const& b)
 {
     return stringCompareNoCase(a.c_str(), b.c_str());
+}
+
+bool _isTrail(char c)
+{
+    return (c & 0xC0) == 0x80;
 }
 
 bool _isUtf8(IcuConverter const& converter)
@@ -44,6 +54,8 @@ bool _isUtf8(IcuConverter const& converter)
 struct VmaraConvImpl::Source {
     char const* at;
     char const* const end;
+
+    size_t left() const { return static_cast<size_t>(end - at); }
 };
 
 struct VmaraConvImpl::Units {
@@ -53,10 +65,17 @@ struct VmaraConvImpl::Units {
     bool failed = false;       // in another way
 
     bool isEmpty() const { return end == buffer; }
+    /// False if a unit behind the last whole character is half a pair, which waits or is dropped.
+    bool endInCharacter() const
+    {
+        if (isEmpty() || !U16_IS_SURROGATE(end[-1])) return true;
+        return U16_IS_TRAIL(end[-1]) && (end - 1 == buffer || U16_IS_LEAD(end[-2]));
+    }
 };
 
 VmaraConvImpl::VmaraConvImpl(MediaOut const& out, std::string const& from, std::string const& to, bool force)
-    : MediaOutDecoratorImpl(out), m_from(from.empty() ? "ISO-8859-1" : from), m_to(to.empty() ? "UTF-8" : to)
+    : MediaOutDecoratorImpl(out), m_from(from.empty() ? "ISO-8859-1" : from), m_to(to.empty() ? "UTF-8" : to),
+      m_toUtf8(_sameName(m_to, "UTF-8"))
 {
     m_passThrough = !force && _sameName(m_from, m_to);
     if (m_passThrough) return;
@@ -89,6 +108,18 @@ void VmaraConvImpl::close()
 {
     m_fromConverter.close();
     m_toConverter.close();
+    m_utf8.restart();
+    m_restLength = 0;
+}
+
+bool VmaraConvImpl::isAttached()
+{
+    return !downstream().isNull();
+}
+
+void VmaraConvImpl::put(char const* bytes, size_t n)
+{
+    downstream().write(reinterpret_cast<uchar_t const*>(bytes), static_cast<uint_t>(n));
 }
 
 void VmaraConvImpl::writeThrough(uchar_t const* bytes, uint_t n)
@@ -117,18 +148,18 @@ void VmaraConvImpl::try_open()
     flush(true);
     m_waiting = false;
     if (!m_fromConverter.open(nameToOpen())) return;
-    if (!m_toConverter.open(m_to)) {
+    if (!m_toUtf8 && !m_toConverter.open(m_to)) {
         m_fromConverter.close();
         return;
     }
     ucnv_setFallback(m_fromConverter.get(), true);
-    setCallbacks();
-    m_validates = _isUtf8(m_fromConverter) && _isUtf8(m_toConverter);
+    setToUnicodeCallback();
+    if (!m_toUtf8) setFromUnicodeCallback();
+    m_validates = m_toUtf8 && _isUtf8(m_fromConverter);
 }
 
-void VmaraConvImpl::setCallbacks()
+void VmaraConvImpl::setFromUnicodeCallback()
 {
-    setToUnicodeCallback();
     UErrorCode status = U_ZERO_ERROR;
     ucnv_setFromUCallBack(m_toConverter.get(), s_ignore_convert_terror, this, nullptr, nullptr, &status);
 }
@@ -173,12 +204,15 @@ void VmaraConvImpl::s_ignore_convert_terror(void const* self, UConverterFromUnic
 
 void VmaraConvImpl::write(uchar_t const* bytes, uint_t n)
 {
-    if (m_passThrough || !m_fromConverter) {
-        downstream().write(bytes, n);
-        return;
-    }
     auto const* text = reinterpret_cast<char const*>(bytes);
-    Source source{text, text + n};
+    if (m_passThrough || !m_fromConverter)
+        put(text, n);
+    else
+        convert(Source{text, text + n});
+}
+
+void VmaraConvImpl::convert(Source source)
+{
     Units units;
     bool progressInRetry = false;
     while (source.at != source.end) {
@@ -186,14 +220,13 @@ void VmaraConvImpl::write(uchar_t const* bytes, uint_t n)
         if (units.failed) retry(progressInRetry);
         if (!m_fromConverter) {
             m_passThrough = true;
-            downstream().write(reinterpret_cast<uchar_t const*>(source.at),
-                               static_cast<uint_t>(source.end - source.at));
+            put(source.at, source.left());
             return;
         }
         toUnicode(source, units, false);
         if (!units.failed && m_retryState == InSecondSet) progressInRetry = true;
         if (!units.isEmpty()) fromUnicode(units);
-        if (m_validates) m_waiting = somethingWaits(units);
+        if (m_validates) m_waiting = somethingWaits();
     }
 }
 
@@ -235,68 +268,91 @@ void VmaraConvImpl::toUnicode(Source& source, Units& units, bool flush)
     if (!flush) m_unitsConverted += static_cast<std::uint32_t>(end - units.buffer);
 }
 
-/// One call of ICU and one write; false if no byte came out.
+void VmaraConvImpl::fromUnicode(Units const& units)
+{
+    if (m_toUtf8) {
+        toUtf8(units, false);
+        return;
+    }
+    // Of the last character, bytes that found no room wait for the next call.
+    for (UChar const* at = units.buffer; at != units.end && fromUnicodeOnce(at, units.end, false);) {
+    }
+}
+
+/// The units of a flush, with all that waits; `last` if no more units come.
+void VmaraConvImpl::drain(Units const& units, bool last)
+{
+    if (!m_toUtf8) {
+        // Not until a call writes nothing: ISO-2022-KR begins anew, with its header, after each flush.
+        for (UChar const* at = units.buffer; fromUnicodeOnce(at, units.end, last);) {
+        }
+        return;
+    }
+    toUtf8(units, true);
+    if (last) m_utf8.end();
+}
+
+/// One call of ICU and its write. True if more is to come; never when a call changes nothing.
 bool VmaraConvImpl::fromUnicodeOnce(UChar const*& at, UChar const* end, bool flush)
 {
     char bytes[_bytesAtOnce];
     char* to = bytes;
+    UChar const* const begin = at;
     UErrorCode status = U_ZERO_ERROR;
     ucnv_fromUnicode(m_toConverter.get(), &to, bytes + _bytesAtOnce, &at, end, nullptr, flush, &status);
-    m_bytesWait = status == U_BUFFER_OVERFLOW_ERROR;
-    if (to == bytes) return false;
-    downstream().write(reinterpret_cast<uchar_t const*>(bytes), static_cast<uint_t>(to - bytes));
-    return true;
+    if (to != bytes) put(bytes, static_cast<size_t>(to - bytes));
+    return (to != bytes || at != begin) && (at != end || status == U_BUFFER_OVERFLOW_ERROR);
 }
 
-/// Until all units are used; of the last character, bytes that found no room wait for the next call.
-void VmaraConvImpl::fromUnicode(Units const& units)
+/// The bytes of a last character that a full write cuts wait, unless `all` are asked for.
+void VmaraConvImpl::toUtf8(Units const& units, bool all)
 {
-    for (UChar const* at = units.buffer; at != units.end;) {
-        UChar const* const begin = at;
-        if (!fromUnicodeOnce(at, units.end, false) && at == begin) return;
-    }
+    char bytes[sizeof m_rest + Utf8Writer::mostBytes(_unitsAtOnce)];
+    char const* const end =
+        m_utf8.write(units.buffer, units.end, std::copy_n(m_rest, std::exchange(m_restLength, 0), bytes));
+    char const* at = bytes;
+    for (; end - at > _bytesAtOnce; at += _bytesAtOnce) put(at, _bytesAtOnce);
+    if (!all && at != bytes && units.endInCharacter() && std::all_of(at, end, _isTrail))
+        m_restLength = static_cast<std::uint8_t>(std::copy(at, end, m_rest) - m_rest);
+    else if (at != end)
+        put(at, static_cast<size_t>(end - at));
 }
 
 void VmaraConvImpl::flush(bool close)
 {
-    if (!downstream().isNull() && !m_passThrough && m_fromConverter) {
+    if (isAttached() && !m_passThrough && m_fromConverter) {
         Source nothing{"", nothing.at};
         Units units;
         do {
             toUnicode(nothing, units, true);
-            bool const last = !units.more && !units.failed;
-            // Not until a call writes nothing: ISO-2022-KR begins anew with its header after each flush.
-            UChar const* at = units.buffer;
-            while (fromUnicodeOnce(at, units.end, last) && (at != units.end || m_bytesWait)) continue;
+            drain(units, !units.more && !units.failed);
         } while (units.more || (units.failed && m_fruitless <= 1));
         m_waiting = false;
     }
     if (close) this->close();
 }
 
-/// Writes the piece that ICU would take next, if it is well-formed and ICU would keep nothing of it.
+/// Writes the piece that ICU would take next, if it is well-formed and nothing of it would wait.
 bool VmaraConvImpl::writeValidPiece(Source& source)
 {
     auto const* bytes = reinterpret_cast<uchar_t const*>(source.at);
-    auto const left = static_cast<size_t>(source.end - source.at);
-    Utf8Piece const piece = utf8Piece(bytes, left, _unitsAtOnce);
-    if (piece.units != _unitsAtOnce && piece.bytes != left) return false;
-    if (piece.bytes > _bytesAtOnce && piece.last < _bytesAtOnce) return false;
-    source.at += piece.bytes;
+    Utf8Piece const piece = utf8Piece(bytes, source.left(), _unitsAtOnce);
+    if (piece.units != _unitsAtOnce && piece.bytes != source.left()) return false;
+    size_t const first = std::min<size_t>(piece.bytes, _bytesAtOnce);
+    if (first != piece.bytes && piece.last < first) return false;
+    char const* const text = std::exchange(source.at, source.at + piece.bytes);
     m_unitsConverted += piece.units;
-    auto const n = static_cast<uint_t>(piece.bytes);
-    downstream().write(bytes, std::min(n, _bytesAtOnce));
-    if (n > _bytesAtOnce) downstream().write(bytes + _bytesAtOnce, n - _bytesAtOnce);
+    put(text, first);
+    if (first != piece.bytes) put(text + first, piece.bytes - first);
     return true;
 }
 
-/// Whether the next piece of UTF-8 has to go through ICU because it would not come first.
-bool VmaraConvImpl::somethingWaits(Units const& units) const
+/// Whether the next piece of UTF-8 has to take both steps because it would not come first.
+bool VmaraConvImpl::somethingWaits() const
 {
     UErrorCode status = U_ZERO_ERROR;
-    bool const cutPair = units.more && !units.isEmpty() && U16_IS_LEAD(units.end[-1]);
-    return m_markWaits || m_bytesWait || cutPair || ucnv_toUCountPending(m_fromConverter.get(), &status) != 0 ||
-           ucnv_fromUCountPending(m_toConverter.get(), &status) != 0;
+    return m_markWaits || m_restLength != 0 || !m_utf8.isIdle() ||
+           ucnv_toUCountPending(m_fromConverter.get(), &status) != 0;
 }
 
 } // namespace Velmara

@@ -12,13 +12,13 @@ namespace {
 
 constexpr unsigned int _partLength = 4096;
 
-void _write(VmaraConv& converter, char const* data, unsigned int n)
+void _write(VmaraConvImpl& converter, char const* data, unsigned int n)
 {
     converter.write(reinterpret_cast<uchar_t const*>(data), n);
 }
 
 /// In parts, so that what `enough` ends costs nothing more; the converter does not see the seams.
-template <class Enough> void _writeParts(VmaraConv& converter, char const* data, unsigned int len, Enough enough)
+template <class Enough> void _writeParts(VmaraConvImpl& converter, char const* data, unsigned int len, Enough enough)
 {
     for (unsigned int at = 0; at < len && !enough();) {
         unsigned int const n = std::min(len - at, _partLength);
@@ -82,7 +82,7 @@ bool VmaraConv::conv(Buffer& out, std::string const& to, std::string const& from
                      unsigned int maxSize, bool retry, bool substitute)
 {
     if (maxSize != 0) out.maxSize(maxSize);
-    VmaraConv converter(BufferMediaOut(out), from, to, false);
+    BufferConv converter(out, from, to, false);
     if (!converter.ok()) return false;
     converter.retry_on_failure(retry);
     converter.substitute_unknown(substitute);
@@ -115,7 +115,7 @@ bool VmaraConv::m_conv(Buffer& out, std::string& usedCharset, char const* data, 
     for (std::string const& name : charsets) {
         if (name.empty()) continue;
         Buffer local;
-        VmaraConv converter(BufferMediaOut(local), name, to, true);
+        BufferConv converter(local, name, to, true);
         if (!converter.ok()) continue;
         converter.retry_on_failure(true);
         converter.substitute_unknown(true);

@@ -462,7 +462,32 @@ TEST(VmaraConvWrites, ValidUtf8TakesAShortWayThatDoesNotShow)
     std::mt19937 random(4711);
     for (int i = 0; i < 400; ++i) {
         string const source = randomText(random, i % 2 != 0);
-        EXPECT_EQ(writesFor(utf16(source), "UTF-16LE", "UTF-8"), writesFor(source, "UTF-8", "UTF-8"));
+        Pieces const expected = writesFor(source, "UTF-8", "utf8"); // by ICU alone
+        EXPECT_EQ(expected, writesFor(source, "UTF-8", "UTF-8"));
+        EXPECT_EQ(expected, writesFor(utf16(source), "UTF-16LE", "UTF-8"));
+    }
+}
+
+/// Units as big-endian UTF-16 in SCSU, the one set whose converter lets half a pair through.
+string halvesOfPairs(std::mt19937& random)
+{
+    static Pieces const units{string("\0a", 2), string("\xd8\x3d", 2), string("\xde\x00", 2), string("\x4f\x1a", 2)};
+    string text = "\x0f";
+    size_t const mostly = random() % units.size();
+    for (unsigned int n = random() % 1500; n != 0; --n)
+        text += units[random() % 4 == 0 ? random() % units.size() : mostly];
+    return text;
+}
+
+TEST(VmaraConvWrites, HalvesOfPairsAreDroppedAndCountedAsByIcu)
+{
+    EXPECT_EQ((Outcome{"ab", 0, 3}),
+              converted({string("\x0f\0a\xd8\x3d\xd8\x3d\0b\xde\x00", 11)}, "SCSU", "UTF-8", true));
+    std::mt19937 random(42);
+    for (int i = 0; i < 400; ++i) {
+        string const source = halvesOfPairs(random);
+        EXPECT_EQ(writesFor(source, "SCSU", "utf8"), writesFor(source, "SCSU", "UTF-8"));
+        EXPECT_EQ(converted({source}, "SCSU", "utf8", true), converted({source}, "SCSU", "UTF-8", true));
     }
 }
 
