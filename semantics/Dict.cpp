@@ -11,8 +11,6 @@
 #include <cstdint>
 #include <cstring>
 #include <cwchar>
-#include <string_view>
-#include <unordered_map>
 
 #include "semantics/DataFile.h"
 
@@ -21,7 +19,7 @@ namespace Velmara {
 namespace {
 
 constexpr unsigned int _maxRecord = 2047;
-constexpr size_t _batchSize = 1 << 17;
+constexpr size_t _batchSize = 1 << 16;
 
 /// Whole characters up to the first zero; the missing bytes of a cut one count as zero.
 std::wstring _wordOf(unsigned char const* record, size_t length)
@@ -43,47 +41,93 @@ size_t _hash(wchar_t const* word, size_t length)
     return hash;
 }
 
+/// Orders most words by their first three characters in one comparison.
+std::uint64_t _beginning(std::wstring const& word)
+{
+    std::uint64_t key = 0;
+    for (size_t i = 0; i < 3; ++i)
+        key = key << 21 | (i < word.size() ? static_cast<std::uint32_t>(word[i]) & 0x1FFFFF : 0);
+    return key;
+}
+
 } // namespace
 
-/// New words on their way into the map, with their numbers.
+/// Records on their way into the map. Numbers follow the order of records, the map is filled in the
+/// order of words.
 class dict::Batch {
 public:
-    explicit Batch(dict& list) : m_list(list) { m_words.reserve(_batchSize); } // so that no word moves before its time
+    explicit Batch(dict& list) : m_list(list) {}
 
     void add(std::wstring word)
     {
-        // What the list holds once this record is in it, and one: a word read again takes a new number too.
-        auto const present = static_cast<unsigned int>(m_list.words.size() + m_words.size());
-        if (Entry* entry = m_list.entryOf(word.data(), word.size())) {
-            entry->second = present + 1;
-            return;
-        }
-        auto const found = m_places.find(word);
-        if (found != m_places.end()) {
-            m_words[found->second].second = present + 1;
-            return;
-        }
-        m_words.emplace_back(std::move(word), present + 2);
-        m_places.emplace(m_words.back().first, m_words.size() - 1);
-        if (m_words.size() == _batchSize) finish();
+        Entry* const known = m_list.entryOf(word.data(), word.size());
+        if (!known) m_order.push_back({_beginning(word), static_cast<std::uint32_t>(m_records.size())});
+        m_records.push_back({std::move(word), known, 0, 0});
+        if (m_records.size() == _batchSize) finish();
     }
 
     void finish()
     {
-        m_places.clear();
-        std::sort(m_words.begin(), m_words.end());
-        auto hint = m_list.words.begin();
-        for (auto& [word, number] : m_words) {
-            hint = m_list.words.emplace_hint(hint, std::move(word), number);
-            m_list.index(*hint++);
-        }
-        m_words.clear();
+        sortNewWords();
+        number();
+        insert();
+        m_records.clear();
+        m_order.clear();
     }
 
 private:
+    struct Record {
+        std::wstring word;
+        Entry* known;        // null for a word that the list does not have
+        std::uint32_t first; // of new words: the first record of the same word
+        unsigned int number; // valid in that one
+    };
+    struct Place {
+        std::uint64_t beginning;
+        std::uint32_t record;
+    };
+
+    void sortNewWords()
+    {
+        auto const isBefore = [this](Place const& a, Place const& b) {
+            if (a.beginning != b.beginning) return a.beginning < b.beginning;
+            int const order = m_records[a.record].word.compare(m_records[b.record].word);
+            return order != 0 ? order < 0 : a.record < b.record;
+        };
+        std::sort(m_order.begin(), m_order.end(), isBefore);
+        for (size_t i = 0; i < m_order.size(); ++i) {
+            std::uint32_t const record = m_order[i].record;
+            bool const isSame = i > 0 && m_records[m_order[i - 1].record].word == m_records[record].word;
+            m_records[record].first = isSame ? m_records[m_order[i - 1].record].first : record;
+        }
+    }
+
+    /// A number is what the list holds once the record is in it, and one: a word read again takes a new one.
+    void number()
+    {
+        auto present = static_cast<unsigned int>(m_list.words.size());
+        for (std::uint32_t i = 0; i < m_records.size(); ++i) {
+            Record& record = m_records[i];
+            bool const isNew = !record.known && record.first == i;
+            if (isNew) ++present;
+            (record.known ? record.known->second : m_records[record.first].number) = present + 1;
+        }
+    }
+
+    void insert()
+    {
+        auto hint = m_list.words.begin();
+        for (Place const& place : m_order) {
+            Record& record = m_records[place.record];
+            if (record.first != place.record) continue;
+            hint = m_list.words.emplace_hint(hint, std::move(record.word), record.number);
+            m_list.index(*hint++);
+        }
+    }
+
     dict& m_list; // not owned
-    std::vector<std::pair<std::wstring, unsigned int>> m_words;
-    std::unordered_map<std::wstring_view, size_t> m_places; // of m_words
+    std::vector<Record> m_records;
+    std::vector<Place> m_order; // of new words, in the order of words once sorted
 };
 
 dict::dict() = default;
