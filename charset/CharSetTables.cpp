@@ -1,5 +1,7 @@
 #include "charset/CharSetTables.h"
 
+#include <string_view>
+
 #include <velmara/StringOperations.h>
 #include <velmara/VmaraConv.h>
 
@@ -8,7 +10,7 @@ namespace Velmara {
 namespace {
 
 struct Pair {
-    char const* name;
+    std::string_view name;
     char const* other;
 };
 
@@ -24,7 +26,7 @@ constexpr Pair _retries[] = {
 template <size_t n> char const* _other(Pair const (&table)[n], std::string const& name)
 {
     for (Pair const& row : table)
-        if (stringCompareNoCase(row.name, name)) return row.other;
+        if (row.name.size() == name.size() && stringCompareNoCase(row.name.data(), name)) return row.other;
     return nullptr;
 }
 

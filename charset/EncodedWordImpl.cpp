@@ -1,13 +1,13 @@
 #include "charset/EncodedWordImpl.h"
 
 #include <algorithm>
+#include <utility>
 
 #include <velmara/Exception.h>
 #include <velmara/StringOperations.h>
-#include <velmara/VmaraConv.h>
 
+#include "charset/VmaraConvImpl.h"
 #include "runtime/Ascii.h"
-#include "runtime/BufferView.h"
 
 namespace Velmara {
 
@@ -39,29 +39,43 @@ EncodedWord::Encoding _encodingOf(char c)
     }
 }
 
-Buffer _decodeB(std::string_view payload)
+/// decodeBase64 replaces the content of its target; only a folded value has content already.
+void _appendB(std::string_view payload, Buffer& out)
 {
-    Buffer out;
-    Buffer(payload.data(), static_cast<unsigned int>(payload.size()), false).decodeBase64(out);
-    return out;
+    Buffer const encoded(payload.data(), static_cast<unsigned int>(payload.size()), false);
+    if (out.isEmpty()) {
+        encoded.decodeBase64(out);
+        return;
+    }
+    Buffer decoded;
+    encoded.decodeBase64(decoded);
+    out.append(decoded);
 }
 
-Buffer _decodeQ(std::string_view payload)
+unsigned char _escaped(std::string_view escape)
 {
-    Buffer out(static_cast<int>(payload.size()), 0);
+    if (escape.size() < 3) throw EncodedWordException(5, __LINE__);
+    int const high = hexValue(static_cast<unsigned char>(escape[1]));
+    int const low = hexValue(static_cast<unsigned char>(escape[2]));
+    if (high < 0 || low < 0) throw EncodedWordException(5, __LINE__);
+    return static_cast<unsigned char>(high << 4 | low);
+}
+
+void _appendQ(std::string_view payload, Buffer& out)
+{
+    unsigned char part[256];
+    unsigned int n = 0;
     for (size_t at = 0; at < payload.size(); ++at) {
-        if (payload[at] != '=') {
-            out.append(static_cast<unsigned char>(payload[at] == '_' ? ' ' : payload[at]));
-            continue;
+        if (n == sizeof part) out.append(part, std::exchange(n, 0));
+        char const c = payload[at];
+        if (c == '=') {
+            part[n++] = _escaped(payload.substr(at));
+            at += 2;
+        } else {
+            part[n++] = static_cast<unsigned char>(c == '_' ? ' ' : c);
         }
-        if (payload.size() - at < 3) throw EncodedWordException(5, __LINE__);
-        int const high = hexValue(static_cast<unsigned char>(payload[at + 1]));
-        int const low = hexValue(static_cast<unsigned char>(payload[at + 2]));
-        if (high < 0 || low < 0) throw EncodedWordException(5, __LINE__);
-        out.append(static_cast<unsigned char>(high << 4 | low));
-        at += 2;
     }
-    return out;
+    out.append(part, n);
 }
 
 } // namespace
@@ -71,7 +85,15 @@ EncodedWordImpl::EncodedWordImpl(bool crlf) : m_crlf(crlf)
 
 EncodedWordImpl::~EncodedWordImpl() = default;
 
-void EncodedWordImpl::value(std::string const& text)
+void EncodedWordImpl::reset()
+{
+    m_charset.clear();
+    m_encoding = EncodedWord::EncodingNone;
+    m_decoded.length(0);
+    m_utf8.length(0);
+}
+
+void EncodedWordImpl::value(std::string_view text)
 {
     m_asString = text;
     stringRightTrim(m_asString);
@@ -106,9 +128,11 @@ void EncodedWordImpl::foldedValue(std::string_view delimiter, size_t end)
 
 void EncodedWordImpl::parseString(std::string_view text)
 {
+    unsigned int const before = m_decoded.length();
     try {
-        m_decoded.append(readWord(text));
+        appendWord(text);
     } catch (Exception const& cause) {
+        m_decoded.length(before);
         EncodedWordException refusal(4, __LINE__);
         refusal.stringParameter(std::string(text));
         refusal.cause(cause);
@@ -116,7 +140,7 @@ void EncodedWordImpl::parseString(std::string_view text)
     }
 }
 
-Buffer EncodedWordImpl::readWord(std::string_view text)
+void EncodedWordImpl::appendWord(std::string_view text)
 {
     if (text.find("=?") == std::string_view::npos) throw EncodedWordException(2, __LINE__);
     size_t const end = text.rfind("?=");
@@ -128,19 +152,19 @@ Buffer EncodedWordImpl::readWord(std::string_view text)
     m_encoding = _encodingOf(mark + 1 < text.size() ? text[mark + 1] : '\0');
     size_t const start = mark + 3;
     std::string_view const payload = start < end ? text.substr(start, end - start) : std::string_view();
-    return m_encoding == EncodedWord::EncodingB ? _decodeB(payload) : _decodeQ(payload);
+    m_encoding == EncodedWord::EncodingB ? _appendB(payload, m_decoded) : _appendQ(payload, m_decoded);
 }
 
 Buffer const& EncodedWordImpl::toUtf8()
 {
     if (!m_utf8.isEmpty() || m_decoded.isEmpty()) return m_utf8;
     if (stringCompareNoCase(m_charset, "utf-8")) {
-        m_utf8 = m_decoded;
+        m_utf8.append(m_decoded);
         return m_utf8;
     }
-    VmaraConv converter(BufferMediaOut(m_utf8), m_charset, "UTF-8", false);
+    BufferConv converter(m_utf8, m_charset, "UTF-8", false);
     converter.retry_on_failure(true);
-    converter.write(m_decoded);
+    converter.write(m_decoded.data(), m_decoded.length());
     converter.end();
     return m_utf8;
 }

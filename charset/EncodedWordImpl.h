@@ -13,7 +13,10 @@ public:
     explicit EncodedWordImpl(bool crlf);
     ~EncodedWordImpl() override;
 
-    void value(std::string const& text);
+    /// Reads a value; what it holds is appended to what earlier ones held.
+    void value(std::string_view text);
+    /// As new, but for the room that the buffers have.
+    void reset();
     Buffer const& toUtf8();
 
     std::string const& asString() const { return m_asString; }
@@ -24,7 +27,7 @@ public:
 private:
     void foldedValue(std::string_view delimiter, size_t end);
     void parseString(std::string_view text);
-    Buffer readWord(std::string_view text);
+    void appendWord(std::string_view text);
 
     bool const m_crlf; // lines of a folded value end with CR LF, not LF
     std::string m_asString;

@@ -12,7 +12,6 @@
 
 #include <algorithm>
 #include <cstring>
-#include <iterator>
 
 #include <velmara/Exception.h>
 #include <velmara/Logger.h>
@@ -30,15 +29,30 @@ namespace {
 constexpr unsigned int _undecodable = 0x3000024; // what log processors match on
 constexpr size_t _none = std::string_view::npos;
 
-constexpr char const* _marks[] = {"?B?", "?b?", "?Q?", "?q?"}; // in the order of their weight
+constexpr char _markLetters[] = {'B', 'b', 'Q', 'q'}; // "?B?" and so on, in the order of their weight
+constexpr size_t _markCount = sizeof _markLetters;
 constexpr size_t _markLength = 3;
+
+/// Which mark stands at the front of a text that begins with "?"; `_markCount` if none does.
+size_t _markAt(std::string_view text)
+{
+    if (text.size() < _markLength || text[2] != '?') return _markCount;
+    return static_cast<size_t>(std::find(_markLetters, _markLetters + _markCount, text[1]) - _markLetters);
+}
 
 /// Finds the words of a value, front to back.
 class _Words {
 public:
     explicit _Words(std::string_view text) : m_text(text)
     {
-        for (size_t i = 0; i < std::size(_marks); ++i) m_next[i] = m_text.find(_marks[i]);
+        std::fill_n(m_next, _markCount, _none);
+        size_t missing = _markCount;
+        for (size_t at = text.find('?'); at != _none && missing != 0; at = text.find('?', at + 1)) {
+            size_t const mark = _markAt(text.substr(at));
+            if (mark == _markCount || m_next[mark] != _none) continue;
+            m_next[mark] = at;
+            --missing;
+        }
     }
 
     /// Where the next word begins at or after `from`; `_none` if there is none.
@@ -53,21 +67,30 @@ public:
 private:
     size_t payloadOf(size_t begin)
     {
-        for (size_t i = 0; i < std::size(_marks); ++i) {
+        for (size_t i = 0; i < _markCount; ++i) {
             size_t& next = m_next[i];
-            if (next != _none && next < begin) next = m_text.find(_marks[i], begin);
+            if (next != _none && next < begin) next = markFrom(i, begin);
             if (next != _none) return next + _markLength;
         }
         return begin + 2;
     }
 
+    size_t markFrom(size_t mark, size_t from) const
+    {
+        size_t at = m_text.find('?', from);
+        while (at != _none && _markAt(m_text.substr(at)) != mark) at = m_text.find('?', at + 1);
+        return at;
+    }
+
     std::string_view const m_text;
-    size_t m_next[std::size(_marks)]; // where each mark stands next, as far as the walk has come
+    size_t m_next[_markCount]; // where each mark stands next, as far as the walk has come
 };
 
 bool _isEightBit(std::string_view text)
 {
-    return std::any_of(text.begin(), text.end(), [](char c) { return static_cast<unsigned char>(c) >= 0x80; });
+    char any = 0;
+    for (char c : text) any = static_cast<char>(any | c);
+    return any < 0;
 }
 
 bool _isSpace(std::string_view text)
@@ -75,10 +98,10 @@ bool _isSpace(std::string_view text)
     return std::all_of(text.begin(), text.end(), [](char c) { return isHeaderSpace(static_cast<unsigned char>(c)); });
 }
 
-void _appendDecoded(std::string_view word, bool toUtf8, Buffer& out)
+void _appendDecoded(EncodedWordImpl& decoder, std::string_view word, bool toUtf8, Buffer& out)
 {
-    EncodedWordImpl decoder(false);
-    decoder.value(std::string(word));
+    decoder.reset();
+    decoder.value(word);
     std::string_view const text = viewOf(toUtf8 ? decoder.toUtf8() : decoder.decoded());
     // ASCII was handed on as a C string: names with a NUL in them are known by what stands ahead of it.
     append(out, _isEightBit(text) ? text : untilNul(text));
@@ -86,10 +109,11 @@ void _appendDecoded(std::string_view word, bool toUtf8, Buffer& out)
 
 void _appendWords(_Words& words, std::string_view text, size_t begin, size_t end, bool toUtf8, Buffer& out)
 {
+    EncodedWordImpl decoder(false);
     for (size_t last = 0; end != _none; end = words.endOf(begin)) {
         std::string_view const gap = text.substr(last, begin - last);
         if (last == 0 || !_isSpace(gap)) append(out, gap);
-        _appendDecoded(text.substr(begin, end - begin), toUtf8, out);
+        _appendDecoded(decoder, text.substr(begin, end - begin), toUtf8, out);
         last = end;
         begin = words.beginFrom(end);
         if (begin == _none) {
@@ -165,8 +189,7 @@ bool _isMarked(std::string_view text)
                                              [](char c) { return _isCharsetByte(static_cast<unsigned char>(c)); });
     auto const length = static_cast<size_t>(end - text.begin());
     if (length < 2 || length > 20) return false;
-    std::string_view const mark = text.substr(length, _markLength);
-    return std::find(std::begin(_marks), std::end(_marks), mark) != std::end(_marks);
+    return length < text.size() && text[length] == '?' && _markAt(text.substr(length)) != _markCount;
 }
 
 } // namespace
