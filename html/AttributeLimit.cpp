@@ -34,14 +34,29 @@ bool _startsWith(std::string_view text, std::string_view head)
     return text.size() >= head.size() && sameNoCase(text.substr(0, head.size()), head);
 }
 
-bool _isNameStart(unsigned char c)
+constexpr bool _isNameStart(unsigned char c)
 {
     return isAlpha(c) || c == '_' || c == ':' || c == '.';
 }
 
+struct ByteTable {
+    bool holds[256];
+};
+
+constexpr ByteTable _tableOfNameBytes()
+{
+    ByteTable table{};
+    for (unsigned c = 0; c < 256; ++c) {
+        auto const byte = static_cast<unsigned char>(c);
+        table.holds[c] = _isNameStart(byte) || isDigit(byte) || byte == '-';
+    }
+    return table;
+}
+constexpr ByteTable _nameBytes = _tableOfNameBytes();
+
 bool _isNameByte(unsigned char c)
 {
-    return _isNameStart(c) || isDigit(c) || c == '-';
+    return _nameBytes.holds[c];
 }
 
 /// Walks the tags of a document. A NUL ends a tag, as the end of the document does.
@@ -140,10 +155,12 @@ private:
 
     std::string_view readName()
     {
-        size_t const start = m_at;
         if (!_isNameStart(peek())) return {};
-        while (m_at - start < _longestName && _isNameByte(peek())) ++m_at;
-        return m_text.substr(start, m_at - start);
+        std::string_view const most = m_text.substr(m_at, _longestName);
+        size_t n = 1;
+        while (n < most.size() && _isNameByte(static_cast<unsigned char>(most[n]))) ++n;
+        m_at += n;
+        return most.substr(0, n);
     }
 
     void readEndTag()

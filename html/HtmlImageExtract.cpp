@@ -50,6 +50,14 @@ bool _endsARun(std::string_view text)
     return std::count_if(text.begin() + 1, text.end(), isInk) + 1 > 2;
 }
 
+int _trimmedLength(std::string_view text)
+{
+    auto const isInk = [](unsigned char c) { return !isHeaderSpace(c); };
+    auto const first = std::find_if(text.begin(), text.end(), isInk);
+    if (first == text.end()) return 0;
+    return static_cast<int>(std::find_if(text.rbegin(), text.rend(), isInk).base() - first);
+}
+
 int _added(int a, int b)
 {
     return b > std::numeric_limits<int>::max() - a ? std::numeric_limits<int>::max() : a + b;
@@ -103,11 +111,9 @@ void HtmlImageExtract::calcTextLine(int lines, bool dropShort)
 void HtmlImageExtract::text(_xmlNode const* node)
 {
     if (!HTML::isText(node) || !node->content) return;
-    std::string text = HTML::content(node);
-    if (!text.empty() && _endsARun(text)) m_imageSeen = false;
-    stringLeftTrim(text);
-    stringRightTrim(text);
-    m_textChars = _added(m_textChars, static_cast<int>(text.size()));
+    std::string_view const text = HTML::content(node);
+    if (m_imageSeen && !text.empty() && _endsARun(text)) m_imageSeen = false;
+    m_textChars = _added(m_textChars, _trimmedLength(text));
 }
 
 void HtmlImageExtract::node(_xmlNode const* node)
@@ -139,11 +145,11 @@ void HtmlImageExtract::image(_xmlNode const* node)
     int width = 0, height = 0;
     std::string source;
     HTML::forEachAttribute(node, [&](xmlAttr const* attribute) {
-        std::string const value(HTML::text(attribute));
+        std::string_view const value = HTML::text(attribute);
         if (HTML::isNamed(attribute, "height"))
-            height = _sizeOf(value);
+            height = _sizeOf(std::string(value));
         else if (HTML::isNamed(attribute, "width"))
-            width = _sizeOf(value);
+            width = _sizeOf(std::string(value));
         else if (HTML::isNamed(attribute, "src") && !value.empty())
             source = value;
     });

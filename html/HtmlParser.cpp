@@ -40,7 +40,7 @@ constexpr size_t _namesLimit = 20000;
 /// How far from the end of its input the parser must stop so that the end cannot have had an effect:
 /// twice what libxml2 keeps in its buffer ahead of it.
 constexpr size_t _farFromEnd = 1024;
-constexpr size_t _firstPiece = 4096;
+constexpr size_t _firstPiece = 2048;
 
 /// No character set has a longer name, so a name cut here is as unknown as the whole.
 constexpr size_t _longestCharset = 200;

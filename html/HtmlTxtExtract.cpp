@@ -91,8 +91,8 @@ void HtmlTxtExtract::href(_xmlNode const* node)
     if (!m_uris) return;
     m_uris->currentId(m_id);
     HTML::forEachAttribute(node, [this](xmlAttr const* attribute) {
+        if (!HrefAttributePatterns::instance().matches(attribute->name) || HTML::text(attribute).empty()) return;
         std::string value(HTML::text(attribute));
-        if (value.empty() || !HrefAttributePatterns::instance().matches(attribute->name)) return;
         stringLeftTrim(value);
         stringRightTrim(value);
         if (!_addUri(*m_uris, value)) UriSniffer::search(*m_uris, value, 0, true);

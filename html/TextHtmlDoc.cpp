@@ -31,6 +31,9 @@ class BodyOrTablePattern : public Singleton<BodyOrTablePattern>, public StringPa
 public:
     BodyOrTablePattern() : StringPattern(HTML::stringPatternFactory(names)) {}
 
+    /// No longer name can match.
+    bool matchesName(_xmlNode const* node) const { return HTML::name(node).size() <= 5 && matches(node->name); }
+
 private:
     static inline char const* names[] = {"body", "table", "tr", "th", "td", nullptr};
 };
@@ -180,7 +183,7 @@ void TextHtmlDoc::tag(_xmlNode const* node)
         (this->*kind->action)(node);
     else if (ReplaceWithLF::instance().matchesName(node))
         for_each_call(&HtmlDocVisitor::ignore, node);
-    else if (BodyOrTablePattern::instance().matches(node->name))
+    else if (BodyOrTablePattern::instance().matchesName(node))
         colour(node);
     else
         for_each_call(&HtmlDocVisitor::node, node);
