@@ -34,10 +34,27 @@ void _waitForWordLists()
     while (!TD::s_initConfig()) std::this_thread::sleep_for(std::chrono::milliseconds(2));
 }
 
-bool _isPlainText(ContentType const& type)
+bool _isText(ContentType const& type)
 {
-    return type.isNull() ||
-           (type.mediatype() == ContentType::MediaTypeText && type.subtype() != ContentType::SubTypeHtml);
+    return type.isNull() || type.mediatype() == ContentType::MediaTypeText;
+}
+
+std::string _string(Buffer const& bytes)
+{
+    return std::string(reinterpret_cast<char const*>(bytes.data()), bytes.length());
+}
+
+/// The text that a reader of an HTML body sees; libxml2 gives it in UTF-8.
+std::string _seen(std::string const& html, std::string const& charset)
+{
+    Buffer text;
+    TextHtmlDoc document(false);
+    document.characterSet(charset);
+    auto* extract = new HtmlTxtExtract(&document, 0, BufferMediaOut(text), nullptr);
+    document.addVisitor(Ref<HtmlDocVisitor>(extract, false));
+    BufferMediaIn in(html.data(), html.size());
+    document.parse(&in);
+    return _string(text);
 }
 
 std::string _numbers(TD const& tokens)
@@ -71,13 +88,15 @@ private:
     void printLeaf(PartView const& view)
     {
         ContentType const type(view.part->headers().find(ContentType::htype));
-        if (!_isPlainText(type)) return;
+        if (!_isText(type)) return;
         std::string const charset = type.isNull() || type.charset().empty() ? "us-ascii" : type.charset();
         std::string body;
         if (view.part->blen() != 0) view.part->body(true).read(body);
-        Buffer const text =
-            VmaraConv::toUtf8(charset, body.data(), static_cast<unsigned int>(body.size()), 0, true, true);
-        TD const tokens(std::string(reinterpret_cast<char const*>(text.data()), text.length()), charset);
+        bool const isHtml = !type.isNull() && type.subtype() == ContentType::SubTypeHtml;
+        TD const tokens(isHtml ? _seen(body, charset)
+                               : _string(VmaraConv::toUtf8(charset, body.data(), static_cast<unsigned int>(body.size()),
+                                                           0, true, true)),
+                        charset);
         if (m_json)
             m_parts.push_back(_jsonOf(view, tokens));
         else
