@@ -101,6 +101,21 @@ void headerValue(benchmark::State& state, char const* charset, std::string const
         static_cast<double>(Allocations::calls - before) / static_cast<double>(state.iterations());
 }
 
+/// A thread keeps eight converters for the next value: with twelve sets in turn each is opened anew.
+void setsInTurn(benchmark::State& state)
+{
+    char const* const names[] = {"windows-1250", "windows-1251", "windows-1252", "windows-1253",
+                                 "windows-1254", "windows-1255", "windows-1256", "windows-1257",
+                                 "windows-1258", "KOI8-R",       "ISO-8859-2",   "ISO-8859-5"};
+    std::string const value(40, 'a');
+    size_t turn = 0;
+    for (auto _ : state) {
+        char const* const name = names[turn++ % static_cast<size_t>(state.range(0))];
+        benchmark::DoNotOptimize(VmaraConv::toUtf8(name, value.data(), 40, 0, true, true));
+    }
+}
+BENCHMARK(setsInTurn)->Arg(1)->Arg(8)->Arg(12);
+
 BENCHMARK_CAPTURE(convert, windows1251, "windows-1251", cyrillic(), false);
 BENCHMARK_CAPTURE(convert, iso88591, "ISO-8859-1", latin(), false);
 BENCHMARK_CAPTURE(convert, gb18030, "GB18030", chinese(), false);
