@@ -6,8 +6,8 @@
 
 #include <velmara/Velmara.h>
 
-#include "Shown.h"
 #include "Verb.h"
+#include "facts/Shown.h"
 
 namespace VelmaraCommand {
 

@@ -6,11 +6,11 @@
 
 #include <velmara/Velmara.h>
 
-#include "Hop.h"
 #include "Input.h"
-#include "PartPath.h"
-#include "Shown.h"
 #include "Verb.h"
+#include "facts/Hop.h"
+#include "facts/PartPath.h"
+#include "facts/Shown.h"
 
 namespace VelmaraCommand {
 

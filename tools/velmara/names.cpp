@@ -6,8 +6,8 @@
 #include <velmara/ActionNames.h>
 #include <velmara/ClassifierNames.h>
 
-#include "Shown.h"
 #include "Verb.h"
+#include "facts/Shown.h"
 
 namespace VelmaraCommand {
 

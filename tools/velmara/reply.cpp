@@ -7,8 +7,8 @@
 #include <velmara/SmtpResponse.h>
 
 #include "Input.h"
-#include "Shown.h"
 #include "Verb.h"
+#include "facts/Shown.h"
 
 namespace VelmaraCommand {
 

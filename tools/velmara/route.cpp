@@ -7,11 +7,11 @@
 
 #include <velmara/Velmara.h>
 
-#include "Hop.h"
 #include "Input.h"
-#include "MailDate.h"
-#include "Shown.h"
 #include "Verb.h"
+#include "facts/Hop.h"
+#include "facts/MailDate.h"
+#include "facts/Shown.h"
 
 namespace VelmaraCommand {
 

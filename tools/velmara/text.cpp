@@ -10,8 +10,8 @@
 #include <velmara/Velmara.h>
 
 #include "Input.h"
-#include "Shown.h"
 #include "Verb.h"
+#include "facts/Shown.h"
 
 namespace VelmaraCommand {
 

@@ -9,9 +9,9 @@
 #include <velmara/Velmara.h>
 
 #include "Input.h"
-#include "PartPath.h"
-#include "Shown.h"
 #include "Verb.h"
+#include "facts/PartPath.h"
+#include "facts/Shown.h"
 
 namespace VelmaraCommand {
 

@@ -8,8 +8,8 @@
 #include <velmara/SharedMimeInfo.h>
 
 #include "Input.h"
-#include "Shown.h"
 #include "Verb.h"
+#include "facts/Shown.h"
 
 namespace VelmaraCommand {
 
