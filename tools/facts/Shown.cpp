@@ -7,37 +7,11 @@
 
 #include <velmara/EncodedWord.h>
 
+#include "Utf8.h"
+
 namespace VelmaraCommand {
 
 namespace {
-
-/// Length of the UTF-8 sequence that starts `text`, 0 if none does; its value goes to `character`.
-size_t _sequence(std::string_view text, char32_t& character)
-{
-    auto const first = static_cast<unsigned char>(text[0]);
-    size_t const length = first < 0x80   ? 1
-                          : first < 0xC2 ? 0
-                          : first < 0xE0 ? 2
-                          : first < 0xF0 ? 3
-                          : first < 0xF5 ? 4
-                                         : 0;
-    if (length == 0 || length > text.size()) return 0;
-    character = length == 1 ? first : first & (0x7F >> length);
-    for (size_t i = 1; i < length; ++i) {
-        auto const next = static_cast<unsigned char>(text[i]);
-        if ((next & 0xC0) != 0x80) return 0;
-        character = character << 6 | (next & 0x3F);
-    }
-    bool const tooLong = (length == 3 && character < 0x800) || (length == 4 && character < 0x10000);
-    bool const noCharacter = (character >= 0xD800 && character < 0xE000) || character > 0x10FFFF;
-    return tooLong || noCharacter ? 0 : length;
-}
-
-bool _isControl(char32_t c)
-{
-    return c < 0x20 || (c >= 0x7F && c < 0xA0) || c == 0x2028 || c == 0x2029 || c == 0x200E || c == 0x200F ||
-           (c >= 0x202A && c <= 0x202E) || (c >= 0x2066 && c <= 0x2069);
-}
 
 void _appendEscaped(std::string& out, std::string_view bytes)
 {
@@ -56,10 +30,9 @@ std::string shown(std::string_view text)
 {
     std::string out;
     while (!text.empty()) {
-        char32_t character = 0;
-        size_t const length = _sequence(text, character);
-        std::string_view const bytes = text.substr(0, length == 0 ? 1 : length);
-        if (length == 0 || _isControl(character))
+        Utf8Character const character = firstCharacter(text);
+        std::string_view const bytes = text.substr(0, character.length == 0 ? 1 : character.length);
+        if (character.length == 0 || steersText(character.value))
             _appendEscaped(out, bytes);
         else
             out += bytes;
