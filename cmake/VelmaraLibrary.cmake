@@ -27,6 +27,8 @@ target_compile_features(velmara PUBLIC cxx_std_17)
 target_compile_options(velmara PRIVATE -fno-semantic-interposition)
 set_source_files_properties(${PROJECT_SOURCE_DIR}/runtime/DataPath.cpp PROPERTIES
     COMPILE_DEFINITIONS VELMARA_DATA_ROOT="${VELMARA_DATA_ROOT}")
+set_source_files_properties(${PROJECT_SOURCE_DIR}/runtime/Installation.cpp PROPERTIES
+    COMPILE_DEFINITIONS VELMARA_VERSION="${PROJECT_VERSION}")
 target_include_directories(velmara
     PUBLIC $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}/include2> $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}>
     PRIVATE ${PROJECT_SOURCE_DIR})

@@ -6,17 +6,15 @@
 #include <iterator>
 
 #include <velmara/Exception.h>
+#include <velmara/Installation.h>
 #include <velmara/SharedMimeInfo.h>
 
 #include "filetype/TypeCodes.h"
 #include "runtime/Ascii.h"
-#include "runtime/DataPath.h"
 
 namespace Velmara {
 
 namespace {
-
-constexpr char _fixedPath[] = "/panelweb/antispam/magic/magic.vmara";
 
 /// All matches as MIME types, raw, from the magic file and libmagic's look for plain text, JSON and
 /// CSV; no unpacking and none of its built-in detectors of archives, Office files and programs, which
@@ -120,7 +118,7 @@ unsigned int FileMagic::type(std::string const& mimeType)
     return SharedMimeInfo::type(mimeType);
 }
 
-MagicImpl::MagicImpl() : MagicImpl(dataPath(_fixedPath))
+MagicImpl::MagicImpl() : MagicImpl(Installation::magicFile())
 {}
 
 MagicImpl::MagicImpl(std::string const& path) : m_magic(magic_open(_flags)), m_codes(codesByType(_typeCodes))

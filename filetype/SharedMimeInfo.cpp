@@ -16,14 +16,16 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <limits>
 #include <system_error>
+
+#include <velmara/Installation.h>
 
 #include "filetype/GlobIndex.h"
 #include "filetype/MagicIndex.h"
 #include "filetype/MatchReader.h"
 #include "filetype/TypeCodes.h"
 #include "runtime/Ascii.h"
-#include "runtime/DataPath.h"
 
 namespace Velmara {
 
@@ -31,7 +33,7 @@ namespace {
 
 using Reason = MimeTypeExplanation::Reason;
 
-constexpr char _fixedPath[] = "/var/spool/etc/shared_mime_info.xml";
+constexpr char _inMemory[] = "(memory)"; // in place of the path
 
 /// Answers that stand for no record.
 std::string const _emptyInput = "ErrorEmptyInput";
@@ -258,15 +260,31 @@ using Document = std::unique_ptr<xmlDoc, Freed>;
     throw failure;
 }
 
+/// What `read` makes of a source; throws if that is no XML.
+template <class Read> Document _parsed(std::string const& source, Read read)
+{
+    QuietXml const quiet;
+    Document document(read());
+    if (!document || !xmlDocGetRootElement(document.get())) _refuse(source, quiet.words(), __LINE__);
+    return document;
+}
+
 /// Throws for a file that cannot be opened or is no XML.
 Document _parse(std::string const& path)
 {
     File const file(path);
     if (file.descriptor < 0) _refuse(path, std::generic_category().message(errno), __LINE__);
-    QuietXml const quiet;
-    Document document(xmlReadFd(file.descriptor, nullptr, nullptr, 0));
-    if (!document || !xmlDocGetRootElement(document.get())) _refuse(path, quiet.words(), __LINE__);
-    return document;
+    return _parsed(path, [&] { return xmlReadFd(file.descriptor, nullptr, nullptr, 0); });
+}
+
+Document _parse(Buffer const& xml)
+{
+    if (xml.length() > static_cast<unsigned int>(std::numeric_limits<int>::max()))
+        _refuse(_inMemory, std::generic_category().message(EFBIG), __LINE__);
+    return _parsed(_inMemory, [&] {
+        return xmlReadMemory(reinterpret_cast<char const*>(xml.data()), static_cast<int>(xml.length()), nullptr,
+                             nullptr, 0);
+    });
 }
 
 // ---- deciding ---------------------------------------------------------------------------------
@@ -329,14 +347,17 @@ struct SharedMimeInfoImpl::Decision {
     std::string const& mimeType;
 };
 
-SharedMimeInfoImpl::SharedMimeInfoImpl() : SharedMimeInfoImpl(dataPath(_fixedPath))
+SharedMimeInfoImpl::SharedMimeInfoImpl() : SharedMimeInfoImpl(Installation::typeDatabase())
 {}
 
 SharedMimeInfoImpl::SharedMimeInfoImpl(std::string const& path)
 {
-    InitMimeTypeList(xmlDocGetRootElement(_parse(path).get()));
-    InitMimeFiletypeTable();
-    buildIndexes();
+    build(_parse(path).get());
+}
+
+SharedMimeInfoImpl::SharedMimeInfoImpl(Buffer const& xml)
+{
+    build(_parse(xml).get());
 }
 
 SharedMimeInfoImpl::~SharedMimeInfoImpl() = default;
@@ -345,6 +366,13 @@ SharedMimeInfoImpl& SharedMimeInfoImpl::instance()
 {
     static SharedMimeInfoImpl* const one = new SharedMimeInfoImpl;
     return *one;
+}
+
+void SharedMimeInfoImpl::build(_xmlDoc* document)
+{
+    InitMimeTypeList(xmlDocGetRootElement(document));
+    InitMimeFiletypeTable();
+    buildIndexes();
 }
 
 void SharedMimeInfoImpl::InitMimeTypeList(_xmlNode const* root)

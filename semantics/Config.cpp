@@ -10,10 +10,10 @@
 #include <mutex>
 #include <optional>
 
+#include <velmara/Installation.h>
 #include <velmara/MediaIn.h>
 #include <velmara/StringOperations.h>
 
-#include "runtime/DataPath.h"
 #include "semantics/Configuration.h"
 #include "semantics/DataFile.h"
 
@@ -93,6 +93,8 @@ constexpr WordFile _wordFiles[] = {
     {TD::LanguageArabic, "ara-eng.index"},
 };
 
+constexpr char _tagFile[] = "html.dict";
+
 std::string _pathOf(std::string const& dir, char const* file)
 {
     return (dir + "/" + file).substr(0, _maxPath);
@@ -144,7 +146,7 @@ Config::~Config() = default;
 void Config::readDict(std::string const& dir)
 {
     std::lock_guard<std::mutex> const one(m_state->reading);
-    Tags tags = _readTags(_pathOf(dir, "html.dict"));
+    Tags tags = _readTags(_pathOf(dir, _tagFile));
     {
         boost::unique_lock<boost::shared_mutex> const exclusive(m_state->lock);
         m_state->tags.swap(tags);
@@ -160,6 +162,13 @@ void Config::readDict(std::string const& dir)
         m_state->owned.push_back(std::move(list));
         m_state->lists[slot].store(&m_state->owned.back(), std::memory_order_release);
     }
+}
+
+std::vector<std::string> Config::fileNames()
+{
+    std::vector<std::string> names{_tagFile};
+    for (WordFile const& file : _wordFiles) names.push_back(file.name);
+    return names;
 }
 
 void Config::initLang()
@@ -213,7 +222,7 @@ Config& configuration()
 
 void Config::load()
 {
-    readDict(dataPath("/var/spool/etc/dict"));
+    readDict(Installation::wordDirectory());
     initLang();
     m_state->ready.store(true, std::memory_order_release);
 }

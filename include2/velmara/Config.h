@@ -56,6 +56,9 @@ public:
     /// bytes is cut there. What was there before stays in memory: this is for once or twice in the life
     /// of a process.
     void readDict(std::string const& dir);
+    /// The names of the files that readDict() looks for in its directory: first that of the tags, then the
+    /// word files, those of one list in the order in which they are read. No one of them need be there.
+    static std::vector<std::string> fileNames();
     /// Makes the table of charsets; done by itself at the first question too.
     void initLang();
 

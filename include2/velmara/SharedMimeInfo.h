@@ -10,6 +10,7 @@
 #include <velmara/SharedMimeType.h>
 #include <velmara/VmaraRefcounted.h>
 
+struct _xmlDoc;
 struct _xmlNode;
 
 namespace Velmara {
@@ -30,6 +31,9 @@ public:
     SharedMimeInfoImpl();
     /// A database of the caller's choice, for tools and tests.
     explicit SharedMimeInfoImpl(std::string const& path);
+    /// The same from XML in memory, which is not kept. What is no XML is refused with "(memory)" for the
+    /// path.
+    explicit SharedMimeInfoImpl(Buffer const& xml);
     ~SharedMimeInfoImpl();
 
     /// The object of the process, made at first use and never destroyed. If that fails, the exception
@@ -64,6 +68,7 @@ public:
 private:
     struct Decision;
 
+    void build(_xmlDoc* document);
     void InitMimeTypeList(_xmlNode const* root);
     void InitMimeFiletypeTable();
     void buildIndexes();

@@ -44,6 +44,7 @@
 #include <velmara/HtmlTxtExtract.h>
 #include <velmara/IPAddress.h>
 #include <velmara/ImageProperties.h>
+#include <velmara/Installation.h>
 #include <velmara/ListId.h>
 #include <velmara/Logger.h>
 #include <velmara/MPartAttribute.h>

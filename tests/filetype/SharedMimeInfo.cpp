@@ -462,6 +462,29 @@ INSTANTIATE_TEST_SUITE_P(Files, UnreadableDatabase,
                                          BadFile{"AnUnknownEntity", "<mime-info>&x;</mime-info>"}),
                          ruleName);
 
+TEST(Database, CanBeReadFromMemory)
+{
+    SharedMimeInfoImpl const database(
+        bytes(R"(<mime-info><mime-type type="x/a"><glob pattern="*.a"/></mime-type></mime-info>)"));
+    EXPECT_EQ("x/a", database.mimeType(Buffer(), "b.a"));
+    EXPECT_EQ((std::set<std::string>{"x/a"}), database.mimeTypeList());
+}
+
+TEST(Database, MemoryThatHoldsNoXmlIsRefusedLikeAFile)
+{
+    for (char const* text : {"", "[Globs]", "<mime-info>"})
+        EXPECT_EQ("", _standardError([&] {
+                      try {
+                          SharedMimeInfoImpl const database(bytes(text));
+                          ADD_FAILURE() << text << " was read";
+                      } catch (Exception const& failure) {
+                          EXPECT_EQ("SharedMimeInfoImpl", failure.message());
+                          EXPECT_EQ(6, failure.code());
+                          EXPECT_EQ(0u, failure.stringParameter().find("(memory): ")) << failure.stringParameter();
+                      }
+                  }));
+}
+
 TEST(Database, ADirectoryIsUnreadable)
 {
     EXPECT_EQ("", _standardError([] { EXPECT_THROW(SharedMimeInfoImpl("/usr"), Exception); }));

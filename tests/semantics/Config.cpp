@@ -250,6 +250,20 @@ TEST_F(ConfigTest, TheTableOfTagsHoldsTenThousand)
     EXPECT_EQ(10000u, config.getHtmlTagIdx("t10000"));
 }
 
+TEST_F(ConfigTest, NamesTheFilesThatItReads)
+{
+    std::vector<std::string> const names = Config::fileNames();
+    ASSERT_EQ(11u, names.size());
+    EXPECT_EQ("html.dict", names[0]);
+    // Each of the others adds its one word to some list.
+    for (size_t i = 1; i < names.size(); ++i) files.writeWords(names[i], {std::to_wstring(i)});
+    config.readDict(files.dir());
+    std::set<std::wstring> words;
+    for (int language = TD::LanguageWestern; language <= TD::LanguageByScript; ++language)
+        for (auto const& entry : config.dictionary(static_cast<TD::langID>(language)).words) words.insert(entry.first);
+    EXPECT_EQ(10u, words.size());
+}
+
 struct LanguageRow {
     TD::langID language;
     std::vector<std::string> charsets;
