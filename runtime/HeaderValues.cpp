@@ -41,7 +41,7 @@ std::string _zone(long seconds)
 {
     long const minutes = std::abs(seconds / 60);
     if (minutes >= 100L * 60) return "+0000";
-    char zone[16];
+    char zone[32];
     std::snprintf(zone, sizeof zone, "%c%02ld%02ld", seconds < 0 ? '-' : '+', minutes / 60, minutes % 60);
     return zone;
 }
