@@ -1,14 +1,19 @@
-// Header values with encoded words against a plain reading that searches all of the rest for each mark of
-// each word, on raw bytes and on text made of fragments.
+// Encoded words and header values with them against a plain second reading, on raw bytes and on text made
+// of fragments; the C forms against the others, in rooms of any size.
+#include <regex.h>
+
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
+#include <cstring>
 #include <string>
 #include <vector>
 
 #include <velmara/EncodedWord.h>
 #include <velmara/Exception.h>
 #include <velmara/Logger.h>
+
+#include "tests/charset/PlainEncodedWord.h"
 
 using namespace Velmara;
 
@@ -26,67 +31,80 @@ std::string text(Buffer const& buffer)
     return std::string(reinterpret_cast<char const*>(buffer.data()), buffer.length());
 }
 
-bool isEightBit(std::string const& bytes)
+void checkWord(std::string const& value, bool crlf)
 {
-    for (char c : bytes)
-        if (c & 0x80) return true;
-    return false;
-}
-
-size_t plainEndOf(std::string const& value, size_t begin)
-{
-    size_t from = begin + 2;
-    for (char const* mark : {"?B?", "?b?", "?Q?", "?q?"}) {
-        size_t const found = value.find(mark, begin);
-        if (found == std::string::npos) continue;
-        from = found + 3;
-        break;
-    }
-    size_t const end = value.find("?=", from);
-    return end == std::string::npos ? end : end + 2;
-}
-
-std::string plainWord(std::string const& word, bool toUtf8)
-{
-    EncodedWord decoder(false);
-    decoder.parse(word);
-    std::string const decoded = text(toUtf8 ? decoder.toUtf8() : decoder.decoded());
-    return isEightBit(decoded) ? decoded : std::string(decoded.c_str());
-}
-
-std::string plainWords(std::string const& value, bool toUtf8)
-{
-    std::string out;
-    for (size_t last = 0;;) {
-        size_t const begin = value.find("=?", last);
-        if (begin == std::string::npos) return out + value.substr(last);
-        size_t const end = plainEndOf(value, begin);
-        if (end == std::string::npos) return last == 0 ? value : out;
-        std::string const gap = value.substr(last, begin - last);
-        if (last == 0 || gap.find_first_not_of(" \t\r\n") != std::string::npos) out += gap;
-        out += plainWord(value.substr(begin, end - begin), toUtf8);
-        last = end;
-    }
-}
-
-std::string plainly(std::string const& value, bool toUtf8)
-{
+    PlainEncodedWord::Word expected;
+    int refused = 0;
     try {
-        return plainWords(value, toUtf8);
-    } catch (EncodedWordException const&) {
-        return value;
+        PlainEncodedWord::read(value, crlf, expected);
+    } catch (PlainEncodedWord::Refused const& refusal) {
+        refused = refusal.code;
     }
+    EncodedWord word(crlf);
+    try {
+        word.parse(value);
+        claim(refused == 0, "refused");
+    } catch (EncodedWordException const& failure) {
+        claim(failure.code() == 4 && failure.stringParameter() == expected.line, "what is refused");
+        claim(failure.cause().code() == refused, "why it is refused");
+    }
+    claim(word.asString() == expected.text, "the trimmed text");
+    if (refused != 0) return;
+    claim(word.charset() == expected.charset && word.encoding() == expected.encoding, "charset and encoding");
+    claim(text(word.decoded()) == expected.decoded, "bytes of a word");
+    claim(text(word.toUtf8()) == PlainEncodedWord::inUtf8(expected), "a word in UTF-8");
+}
+
+bool plainlyEncoded(std::string const& value)
+{
+    static regex_t const expression = [] {
+        regex_t compiled;
+        claim(regcomp(&compiled, ".*=\\?[-_A-Za-z0-9,]{2,20}\\?[bBqQ]\\?.*", REG_EXTENDED) == 0, "compiled");
+        return compiled;
+    }();
+    return regexec(&expression, value.substr(0, 512).c_str(), 0, nullptr, 0) == 0;
+}
+
+void checkRoom(char* (*function)(char const*, void*, unsigned int), std::string const& value, bool toUtf8, size_t room)
+{
+    std::vector<char> dst(room + 1, '#');
+    claim(function(value.c_str(), dst.data(), static_cast<unsigned int>(room)) == dst.data(), "C form");
+    std::string const whole = PlainEncodedWord::decoded(value.c_str(), toUtf8);
+    std::string const expected = whole.substr(0, room - 1) + '\0';
+    claim(std::string(dst.data(), expected.size()) == expected, "what fits, and a NUL");
+    claim(dst.back() == '#', "nothing behind the room");
+}
+
+void checkEncoding(std::string const& value)
+{
+    std::string const encoded = vmara_encode_rfc2047(value, "utf-8");
+    if (PlainEncodedWord::isEightBit(value))
+        claim(PlainEncodedWord::decoded(encoded, true) == value, "what was encoded is decoded");
+    else
+        claim(encoded == value, "ASCII stays");
+    std::string const source = value.c_str();
+    std::vector<char> dst(value.size() + 9, '#'), expected(dst.size(), '#');
+    int const room = static_cast<int>(dst.size()) - 1;
+    char const* const result = vmara_encode_word(source.c_str(), dst.data(), room, "x");
+    claim((result == nullptr) == source.empty(), "nothing comes of nothing");
+    if (!result) return;
+    std::strncpy(expected.data(), vmara_encode_rfc2047(source, "utf-8").c_str(), static_cast<size_t>(room));
+    expected[static_cast<size_t>(room) - 1] = '\0';
+    claim(dst == expected, "C form of encoding");
 }
 
 void check(std::string const& value)
 {
-    claim(text(stringToUtf8(value, nullptr)) == plainly(value, true), "in UTF-8");
-    claim(text(stringDecodeRfc2047(value)) == plainly(value, false), "in its character sets");
-    std::string const again = vmara_encode_rfc2047(value, "utf-8");
-    if (isEightBit(value)) claim(text(stringToUtf8(again, nullptr)) == value, "what was encoded is decoded");
-    std::vector<char> dst(value.size() / 2 + 1, '#');
-    claim(vmara_to_utf8(value.c_str(), dst.data(), static_cast<unsigned int>(dst.size())) == dst.data(), "C form");
-    claim(std::string(dst.data()).size() < dst.size(), "the C form ends its text");
+    checkWord(value, false);
+    checkWord(value, true);
+    claim(text(stringToUtf8(value, nullptr)) == PlainEncodedWord::decoded(value, true), "in UTF-8");
+    claim(text(stringDecodeRfc2047(value)) == PlainEncodedWord::decoded(value, false), "in its character sets");
+    claim(vmara_is_Rfc2047_Encoded(value) == plainlyEncoded(value), "the beginning of a word");
+    for (size_t room : {value.size() / 2 + 1, value.size() * 2 + 1}) {
+        checkRoom(vmara_to_utf8, value, true, room);
+        checkRoom(vmara_decode_encoded_word, value, false, room);
+    }
+    checkEncoding(value);
 }
 
 std::string fragments(std::uint8_t const* data, std::size_t n)
