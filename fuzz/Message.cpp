@@ -3,7 +3,7 @@
 //   - walking by visit and by nextChild gives the same parts, each of the kind its type asks for;
 //   - a source whose lines can be used where they lie gives what one of single bytes gives;
 //   - leaves cover stretches of the source that follow each other;
-//   - what is written out is a fixed point: parsed and written once more, it is the same.
+//   - where line ends are LF, what is written out has the same shape, and written once more it is the same.
 #include <unistd.h>
 
 #include <cstdint>
@@ -12,6 +12,7 @@
 #include <fstream>
 #include <iterator>
 #include <string>
+#include <vector>
 
 #include <velmara/Velmara.h>
 
@@ -158,6 +159,22 @@ std::string flat(std::string shape)
     return names;
 }
 
+/// A shape with an epilogue in each multipart that has none: writing closes what the message left open.
+std::string closed(std::string const& shape)
+{
+    std::string result;
+    std::vector<bool> multipart;
+    for (char c : shape) {
+        if (c == '(') multipart.push_back(endsWith(result, "multipart"));
+        if (c == ')') {
+            if (multipart.back() && !endsWith(result, "epilogue")) result += " epilogue";
+            multipart.pop_back();
+        }
+        result += c;
+    }
+    return result;
+}
+
 void check(std::string const& text)
 {
     Mail visited(text);
@@ -177,6 +194,7 @@ void check(std::string const& text)
     mail.root().visit(&writable);
     if (!writable.holds || text.find('\r') != std::string::npos) return;
     std::string const once = written(text);
+    require(shape(once) == closed(shape(mail.root())), "what is written has the same shape");
     require(written(once) == once, "what is written is a fixed point");
 }
 
