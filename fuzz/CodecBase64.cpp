@@ -1,5 +1,5 @@
-// Base64 against a short plain reading of its rules, write by write; a text of letters alone is the
-// same for every cut.
+// Base64 against a short plain reading of its rules, write by write; a text of letters, padded at its end or
+// not, is the same for every cut.
 #include "fuzz/Writes.h"
 
 #include <cstring>
@@ -66,6 +66,24 @@ struct Plain {
     }
 };
 
+/// Letters and white space alone, then with what padding the last group lacks; one letter lacks too much.
+void checkLetters(std::string const& text, Writes::Choice choice)
+{
+    std::string letters;
+    std::size_t count = 0;
+    for (char c : text) {
+        if (!isSpace(c) && valueOf(c) < 0) continue;
+        letters += c;
+        count += !isSpace(c);
+    }
+    if (count % 4 == 1) letters += 'A', ++count;
+    for (std::string const& padding : {std::string(), std::string((4 - count % 4) % 4, '=')}) {
+        std::string const whole = letters + padding;
+        Writes::require(Writes::through<Velmara::CodecBase64>(Writes::cut(whole, choice)) ==
+                        Writes::through<Velmara::CodecBase64>({whole}));
+    }
+}
+
 } // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t n)
@@ -78,14 +96,11 @@ extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t n)
     Velmara::Buffer out;
     Velmara::CodecBase64 codec{Velmara::BufferMediaOut(out)};
     codec.strict(plain.strict);
-    bool lettersOnly = true;
     for (std::string const& piece : pieces) {
         Writes::write(codec, piece);
         Writes::require(Writes::take(out) == plain.write(piece));
         Writes::require(codec.status() == plain.status);
-        for (char c : piece) lettersOnly = lettersOnly && (isSpace(c) || valueOf(c) >= 0);
     }
-    if (lettersOnly)
-        Writes::require(Writes::through<Velmara::CodecBase64>(pieces) == Writes::through<Velmara::CodecBase64>({text}));
+    checkLetters(text, {data[0]});
     return 0;
 }

@@ -1,4 +1,5 @@
-// Quoted-Printable against a short plain reading of its rules, write by write.
+// Quoted-Printable against a short plain reading of its rules, write by write; a text in which each "=" begins
+// an escape or a soft break is the same for every cut.
 #include "fuzz/Writes.h"
 
 namespace {
@@ -48,6 +49,21 @@ struct Plain {
     }
 };
 
+/// Fills up each "=" that begins nothing, so that none is left to chance.
+std::string madeWhole(std::string const& text)
+{
+    std::string whole;
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        whole += text[i];
+        if (text[i] != '=') continue;
+        std::string const next = text.substr(i + 1, 2);
+        bool const escape = next.size() == 2 && digit(next[0]) >= 0 && digit(next[1]) >= 0;
+        whole += escape || next == "\r\n" ? next : "3d";
+        i += escape || next == "\r\n" ? 2 : 0;
+    }
+    return whole;
+}
+
 } // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t n)
@@ -61,5 +77,9 @@ extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t n)
         Writes::write(codec, piece);
         Writes::require(Writes::take(out) == plain.write(piece));
     }
+    using Velmara::CodecQuotedPrintable;
+    std::string const whole = madeWhole(text);
+    Writes::require(Writes::through<CodecQuotedPrintable>({whole}) ==
+                    Writes::through<CodecQuotedPrintable>(Writes::cut(whole, {data[0]})));
     return 0;
 }
