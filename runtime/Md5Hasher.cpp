@@ -7,8 +7,8 @@ namespace Velmara {
 struct Md5Hasher::State {
     State() { MD5Init(&context); }
 
-    MD5_CTX context;                         // valid until finalize
-    unsigned char digest[MD5_DIGEST_LENGTH]; // valid once finished
+    MD5_CTX context;                              // valid until finalize
+    unsigned char digest[MD5_DIGEST_LENGTH] = {}; // valid once finished
     bool finished = false;
 };
 
