@@ -36,8 +36,8 @@ struct Run {
     enum View { Visible, HiddenByColour, HiddenBySize, HiddenByEarlierSize };
     View view = Visible;
     std::string text;
-    unsigned char foreground[3] = {0, 0, 0}, background[3] = {0, 0, 0};
-    double distance = 0; // of the two colours, as the eye finds it
+    int foreground[3] = {0, 0, 0}, background[3] = {0, 0, 0}; // a page may state any number
+    double distance = 0;                                      // of the two colours, as the eye finds it
     unsigned int size = 0;
 };
 
@@ -45,14 +45,15 @@ struct Link {
     std::string element; // "source": it is in no attribute
     std::string uri;
     std::string host;                    // that it reaches; "" for none
-    std::string text;                    // what a reader sees of it
+    std::string text;                    // what a reader sees of it; of an element's first few links
     std::vector<std::string> otherHosts; // that the text names instead
 };
 
 struct ShownImage {
     std::string source;
     bool isContentId = false;
-    unsigned int width = 0, height = 0;
+    int width = 0, height = 0;
+    int textLine = 0; // lines of text above it
     bool firstInRun = false;
 };
 
@@ -60,7 +61,7 @@ struct HtmlFacts {
     std::vector<Run> runs;
     std::vector<Link> links;
     std::vector<ShownImage> images;
-    std::uint64_t visibleBytes = 0, hiddenBytes = 0; // of the text nodes
+    std::uint64_t visibleBytes = 0, hiddenBytes = 0; // of the text nodes that are not white space alone
 };
 
 struct SignatureFacts {
@@ -80,8 +81,9 @@ struct TypeFacts {
 };
 
 struct TextFacts {
-    std::string charset; // that it was read in
-    std::string declaredCharset;
+    std::string charset;           // that it was read in
+    std::string declaredCharset;   // of the part's headers
+    bool charsetKnown = true;      // else the bytes stand as they came
     std::uint64_t undecodable = 0; // bytes that the character set has no character for (ferrCnt)
     std::uint64_t unencodable = 0; // characters that UTF-8 was not given for (terrCnt)
     std::string language;
@@ -90,15 +92,27 @@ struct TextFacts {
     std::uint64_t textBytes = 0; // in all
 };
 
+/// The line that ended a part.
+struct Ending {
+    Span line;
+    std::string text;      // without its line end
+    std::string path;      // of the multipart whose delimiter it begins with
+    std::string delimiter; // that one
+    bool closing = false;  // it ends the multipart, too
+    bool exact = true;     // nothing but white space stands behind the delimiter
+};
+
 struct PartFacts {
     std::string path; // as PartPath has it
     PartKind kind = PartKind::Leaf;
     unsigned int depth = 0; // containers around it
     Span header, body;      // body.end is the end of the message where the length is unknown
     bool bodyLengthKnown = true;
+    std::optional<Ending> ending; // of what is no container; none if the message ended there
     std::vector<std::pair<std::string, std::string>> headers; // as they stand, in order
     std::string mediaType, charset, encoding, disposition, name, contentId;
-    std::uint64_t decodedBytes = 0; // of a leaf
+    std::string boundary;           // of a multipart
+    std::uint64_t decodedBytes = 0; // of a leaf; the first 16 MiB are looked at
     std::string decodedBy;          // the codec that applied; "" if the body was taken as it stands
     std::optional<TypeFacts> type;  // of leaves with bytes
     std::optional<SignatureFacts> signature;

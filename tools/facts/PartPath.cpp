@@ -25,16 +25,9 @@ constexpr KindRow _kinds[] = {
     {_is<MimePreamble>, PartKind::Preamble, "preamble"},  {_is<MimeEpilogue>, PartKind::Epilogue, "epilogue"},
 };
 
-PartKind _kindOf(MimePart* part)
-{
-    for (KindRow const& row : _kinds)
-        if (row.matches(part)) return row.kind;
-    return PartKind::Leaf;
-}
-
 PartView _viewOf(MimePart* part, std::string const& path)
 {
-    return PartView{part, _kindOf(part), path};
+    return PartView{part, kindOf(part), path};
 }
 
 std::vector<PartView> _childrenOfMultipart(MimeRfc822MPart& part, std::string const& path)
@@ -74,6 +67,13 @@ char const* nameOf(PartKind kind)
     for (KindRow const& row : _kinds)
         if (row.kind == kind) return row.name;
     return "";
+}
+
+PartKind kindOf(MimePart* part)
+{
+    for (KindRow const& row : _kinds)
+        if (row.matches(part)) return row.kind;
+    return PartKind::Leaf;
 }
 
 PartView finishedRootOf(Rfc822Msg& message)

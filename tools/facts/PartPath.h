@@ -21,6 +21,8 @@ struct PartView {
 /// "leaf", "multipart", "message", "skipped", "preamble", "epilogue".
 char const* nameOf(PartKind kind);
 
+PartKind kindOf(Velmara::MimePart* part);
+
 /// The root of a message whose tree has been parsed to its end.
 PartView finishedRootOf(Velmara::Rfc822Msg& message);
 

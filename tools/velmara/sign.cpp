@@ -1,9 +1,7 @@
 // `velmara sign`: the signatures of a message's parts, and where one is missing, why. The extract can be
 // shown, so that a person sees what two bodies with different signatures differ in.
 #include <algorithm>
-#include <cstdio>
 #include <iostream>
-#include <map>
 #include <memory>
 #include <string>
 #include <vector>
@@ -14,6 +12,7 @@
 #include "Verb.h"
 #include "facts/PartPath.h"
 #include "facts/Shown.h"
+#include "facts/Signing.h"
 
 namespace VelmaraCommand {
 
@@ -26,79 +25,6 @@ struct Options {
     std::string as; // empty: the file is a message
     bool json = false;
     bool showExtract = false;
-};
-
-struct KindRow {
-    Hasher::DataType type;
-    char const* name;
-    HasherImpl* (*make)();
-    char const* whyNone;
-};
-
-template <class Impl> HasherImpl* _make()
-{
-    return new Impl;
-}
-
-constexpr char const* _shortText = "fewer than 64 characters remain of the text";
-constexpr char const* _shortImage = "fewer than 128 bytes of pixel data";
-
-constexpr KindRow _kinds[] = {
-    {Hasher::DataHtml, "html", _make<TextHasherHtml>, _shortText},
-    {Hasher::DataText, "text", _make<TextHasherPlain>, _shortText},
-    {Hasher::DataPng, "png", _make<ImageHasherImpl>, _shortImage},
-    {Hasher::DataGif, "gif", _make<ImageHasherImpl>, _shortImage},
-    {Hasher::DataJpeg, "jpeg", _make<ImageHasherImpl>, _shortImage},
-    {Hasher::DataBinary, "binary", _make<BinaryHasherImpl>, "fewer than 1024 bytes"},
-};
-
-KindRow const& _kindOf(Hasher::DataType type)
-{
-    return *std::find_if(std::begin(_kinds), std::end(_kinds), [&](KindRow const& row) { return row.type == type; });
-}
-
-/// A hasher whose extract can be looked at, and what came of a body.
-class Signing {
-public:
-    explicit Signing(Hasher::DataType type) : m_impl(_kindOf(type).make()), m_hasher(m_impl, false)
-    {
-        m_hasher.dataType(type);
-    }
-
-    /// Hands over prefixes of the body until the hasher has enough, as a daemon would.
-    void process(std::string const& body, size_t firstRead)
-    {
-        size_t given = std::min(firstRead, body.size());
-        give(body, given);
-        while (m_hasher.isMoreDataRequired() && given < body.size()) {
-            given = std::min(2 * given, body.size());
-            give(body, given);
-        }
-    }
-
-    char const* kind() const { return _kindOf(m_hasher.dataType()).name; }
-    bool isText() const { return m_impl->maxlen() == TextHasherPlain().maxlen(); }
-    unsigned int lookedAt() const { return m_hasher.processedDataLength(); }
-    std::string signature() const { return m_hasher.digestAsHexString(); }
-    char const* whyNone() const { return m_hasher.isValid() ? "" : _kindOf(m_hasher.dataType()).whyNone; }
-
-    /// What entered the digest; empty without one.
-    std::string extract() const
-    {
-        if (!m_hasher.isValid()) return std::string();
-        auto const* bytes = reinterpret_cast<char const*>(m_impl->data.data());
-        return std::string(bytes, std::min(m_impl->data.length(), m_impl->maxlen()));
-    }
-
-private:
-    void give(std::string const& body, size_t n)
-    {
-        m_hasher.process(Buffer(body.data(), static_cast<unsigned int>(n), false),
-                         static_cast<unsigned int>(body.size()));
-    }
-
-    HasherImpl* m_impl; // owned by the handle
-    Hasher m_hasher;
 };
 
 std::string _hex(std::string const& bytes)
@@ -122,7 +48,7 @@ std::string _lineOf(Signing const& signing, size_t bodyLength)
     std::string line = std::string(signing.kind()) + ", " + std::to_string(signing.lookedAt()) + " of " +
                        std::to_string(bodyLength) + " bytes looked at, ";
     if (signing.signature().empty()) return line + "no signature: " + signing.whyNone();
-    return line + std::to_string(signing.extract().size()) + " entered: " + signing.signature();
+    return line + std::to_string(signing.entered()) + " entered: " + signing.signature();
 }
 
 void _addTo(Json& json, Signing const& signing, size_t bodyLength, bool showExtract)
@@ -130,7 +56,7 @@ void _addTo(Json& json, Signing const& signing, size_t bodyLength, bool showExtr
     json["kind"] = signing.kind();
     json["bodyLength"] = bodyLength;
     json["lookedAt"] = signing.lookedAt();
-    json["entered"] = signing.extract().size();
+    json["entered"] = signing.entered();
     if (signing.signature().empty()) {
         json["signature"] = nullptr;
         json["reason"] = signing.whyNone();
@@ -167,7 +93,7 @@ void _signParts(PartView const& view, std::vector<SignedPart>& parts)
         ContentType const type(view.part->headers().find(ContentType::htype));
         std::string const body = _bodyOf(*view.part);
         Signing signing(HasherFactory::createHasher(type, 0).dataType());
-        signing.process(body, HasherFactory::maxHashBufSize(type));
+        signing.process(body, HasherFactory::maxHashBufSize(type), body.size());
         parts.push_back(SignedPart{view.path, signing, body.size()});
     }
     for (PartView const& child : childrenOf(view)) _signParts(child, parts);
@@ -198,7 +124,7 @@ int _signFile(Input& input, Hasher::DataType type, Options const& options)
     std::string body;
     input.media().read(body);
     Signing signing(type);
-    signing.process(body, std::max<size_t>(body.size(), 1));
+    signing.process(body, std::max<size_t>(body.size(), 1), body.size());
     if (options.json) {
         Json json{{"file", input.name()}};
         _addTo(json, signing, body.size(), options.showExtract);
@@ -211,16 +137,8 @@ int _signFile(Input& input, Hasher::DataType type, Options const& options)
 
 int _sign(Input& input, Options const& options)
 {
-    for (KindRow const& row : _kinds)
-        if (options.as == row.name) return _signFile(input, row.type, options);
-    return _signMessage(input, options);
-}
-
-std::vector<std::string> _kindNames()
-{
-    std::vector<std::string> names;
-    for (KindRow const& row : _kinds) names.push_back(row.name);
-    return names;
+    if (options.as.empty()) return _signMessage(input, options);
+    return _signFile(input, signingKindOf(options.as), options);
 }
 
 } // namespace
@@ -232,7 +150,7 @@ void addSign(CLI::App& commandLine, Action& action)
     verb->add_option("FILE", options->files, "Message files, or with --as plain ones; \"-\" is standard input")
         ->required();
     verb->add_option("--as", options->as, "FILE is no message but a body of this kind")
-        ->check(CLI::IsMember(_kindNames()));
+        ->check(CLI::IsMember(signingKinds()));
     verb->add_flag("--json", options->json, "One JSON object a file");
     verb->add_flag("--show-extract", options->showExtract, "Show what was hashed; images and binaries in hexadecimal");
     verb->footer("Example: velmara sign --as html --show-extract page.html");

@@ -1,17 +1,17 @@
 // `velmara tokens`: for each text part its language, character set and token string.
-#include <chrono>
 #include <iostream>
 #include <memory>
 #include <string>
-#include <thread>
 #include <vector>
 
 #include <velmara/Velmara.h>
 
 #include "Input.h"
 #include "Verb.h"
+#include "facts/HtmlReading.h"
 #include "facts/PartPath.h"
 #include "facts/Shown.h"
+#include "facts/TokenText.h"
 
 namespace VelmaraCommand {
 
@@ -24,16 +24,6 @@ struct Options {
     bool json = false;
 };
 
-constexpr char const* _languages[] = {"western",  "Arabic", "simplified Chinese", "traditional Chinese",
-                                      "Cyrillic", "Hebrew", "Japanese",           "Korean",
-                                      "Thai"};
-
-/// Loading goes on while other programs work; here nothing can be said before it has ended.
-void _waitForWordLists()
-{
-    while (!TD::s_initConfig()) std::this_thread::sleep_for(std::chrono::milliseconds(2));
-}
-
 bool _isText(ContentType const& type)
 {
     return type.isNull() || type.mediatype() == ContentType::MediaTypeText;
@@ -44,17 +34,13 @@ std::string _string(Buffer const& bytes)
     return std::string(reinterpret_cast<char const*>(bytes.data()), bytes.length());
 }
 
-/// The text that a reader of an HTML body sees; libxml2 gives it in UTF-8.
+/// The text that a reader of an HTML body sees.
 std::string _seen(std::string const& html, std::string const& charset)
 {
-    Buffer text;
-    TextHtmlDoc document(false);
-    document.characterSet(charset);
-    auto* extract = new HtmlTxtExtract(&document, 0, BufferMediaOut(text), nullptr);
-    document.addVisitor(Ref<HtmlDocVisitor>(extract, false));
-    BufferMediaIn in(html.data(), html.size());
-    document.parse(&in);
-    return _string(text);
+    HtmlWanted wanted;
+    wanted.charset = charset;
+    wanted.runs = wanted.links = wanted.images = false;
+    return readHtml(BufferMediaIn(html.data(), html.size()), wanted).text;
 }
 
 std::string _numbers(TD const& tokens)
@@ -67,7 +53,7 @@ std::string _numbers(TD const& tokens)
 
 Json _jsonOf(PartView const& view, TD const& tokens)
 {
-    Json json{{"path", view.path}, {"language", _languages[tokens.language()]}, {"charset", tokens.charset()}};
+    Json json{{"path", view.path}, {"language", languageOf(tokens)}, {"charset", tokens.charset()}};
     json["tokens"] = Json::array();
     for (wchar_t number : tokens.tokens()) json["tokens"].push_back(static_cast<unsigned int>(number));
     return json;
@@ -100,7 +86,7 @@ private:
         if (m_json)
             m_parts.push_back(_jsonOf(view, tokens));
         else
-            std::cout << view.path << ' ' << _languages[tokens.language()] << ' ' << shown(tokens.charset()) << ": "
+            std::cout << view.path << ' ' << languageOf(tokens) << ' ' << shown(tokens.charset()) << ": "
                       << _numbers(tokens) << '\n';
     }
 
@@ -129,7 +115,7 @@ void addTokens(CLI::App& commandLine, Action& action)
     verb->footer("Example: velmara tokens mail.eml");
     verb->callback([options, &action] {
         action = [options] {
-            _waitForWordLists();
+            waitForWordLists();
             return forEachInput(options->files, [&](Input& in) { return _showTokens(in, *options); });
         };
     });

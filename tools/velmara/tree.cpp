@@ -9,6 +9,7 @@
 
 #include "Input.h"
 #include "Verb.h"
+#include "facts/PartLabels.h"
 #include "facts/PartPath.h"
 #include "facts/Shown.h"
 
@@ -26,32 +27,6 @@ struct Options {
 
 constexpr unsigned long _notSet = 0xFFFFFFFFul;
 
-/// What a line tells of a part.
-struct Facts {
-    std::string mediaType, charset, encoding, name;
-};
-
-std::string _attachmentName(HeaderContainer const& headers, ContentType const& type)
-{
-    ContentDisposition const disposition(headers.find(ContentDisposition::htype));
-    std::string const name = disposition.isNull() ? std::string() : disposition.utf8fileName();
-    return name.empty() && !type.isNull() ? type.utf8name() : name;
-}
-
-Facts _factsOf(MimePart& part)
-{
-    Facts facts;
-    ContentType type(part.headers().find(ContentType::htype));
-    if (!type.isNull()) {
-        facts.mediaType = type.mediatypeAsString() + "/" + type.subtypeAsString();
-        facts.charset = type.charset();
-    }
-    ContentEncoding encoding(part.headers().find(ContentEncoding::htype));
-    if (!encoding.isNull()) facts.encoding = stringToLower(encoding.value());
-    facts.name = _attachmentName(part.headers(), type);
-    return facts;
-}
-
 bool _hasHeaders(PartKind kind)
 {
     return kind != PartKind::Preamble && kind != PartKind::Epilogue;
@@ -67,11 +42,11 @@ std::string _lineOf(PartView const& view)
     MimePart& part = *view.part;
     std::string line = view.path + " " + nameOf(view.kind);
     if (!_hasHeaders(view.kind)) return line;
-    Facts const facts = _factsOf(part);
-    _addWord(line, "", facts.mediaType);
-    _addWord(line, "charset=", facts.charset);
-    _addWord(line, "encoding=", facts.encoding);
-    if (!facts.name.empty()) line += " name=\"" + shown(facts.name) + "\"";
+    PartLabels const labels = labelsOf(part.headers());
+    _addWord(line, "", labels.mediaType);
+    _addWord(line, "charset=", labels.charset);
+    _addWord(line, "encoding=", labels.encoding);
+    if (!labels.name.empty()) line += " name=\"" + shown(labels.name) + "\"";
     std::string const body = part.blen() == _notSet ? "?" : std::to_string(part.blen());
     return line + " at " + std::to_string(part.sourcePosition()) + ", header " + std::to_string(part.hlen()) +
            ", body " + body;
@@ -134,11 +109,11 @@ Json _jsonOf(PartView const& view, bool headers)
     MimePart& part = *view.part;
     Json json{{"path", view.path}, {"kind", nameOf(view.kind)}};
     if (_hasHeaders(view.kind)) {
-        Facts const facts = _factsOf(part);
-        setIfAny(json, "mediaType", facts.mediaType);
-        setIfAny(json, "charset", facts.charset);
-        setIfAny(json, "encoding", facts.encoding);
-        setIfAny(json, "name", facts.name);
+        PartLabels const labels = labelsOf(part.headers());
+        setIfAny(json, "mediaType", labels.mediaType);
+        setIfAny(json, "charset", labels.charset);
+        setIfAny(json, "encoding", labels.encoding);
+        setIfAny(json, "name", labels.name);
         json["sourcePosition"] = part.sourcePosition();
         json["hlen"] = part.hlen();
         json["blen"] = part.blen() == _notSet ? Json(nullptr) : Json(part.blen());

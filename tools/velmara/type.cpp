@@ -10,13 +10,13 @@
 #include "Input.h"
 #include "Verb.h"
 #include "facts/Shown.h"
+#include "facts/TypeReasons.h"
 
 namespace VelmaraCommand {
 
 namespace {
 
 using namespace Velmara;
-using Match = SharedMimeType::Magic::Match;
 using Why = MimeTypeExplanation;
 
 struct Options {
@@ -28,55 +28,6 @@ struct Options {
 
 /// All tests of the database that people use lie within.
 constexpr unsigned _lookedAt = 64 * 1024;
-
-struct ReasonRow {
-    Why::Reason reason;
-    char const* name; // of JSON, where it is an interface
-    char const* text;
-};
-
-constexpr ReasonRow _reasons[] = {
-    {Why::EmptyInput, "empty-input", "there is neither a name nor content"},
-    {Why::NothingMatched, "nothing-matched", "no pattern fits the name, and there is no content"},
-    {Why::LooksLikeText, "looks-like-text", "nothing fits, and the first bytes look like text"},
-    {Why::LooksBinary, "looks-binary", "nothing fits, and the first bytes do not look like text"},
-    {Why::NameAlone, "name-alone", "no test holds for the content; of the patterns kept, the first counts"},
-    {Why::ContentAlone, "content-alone", "no pattern fits the name; the first test of the highest priority counts"},
-    {Why::ContentOverName, "content-over-name", "content beats the name"},
-    {Why::NameWithinContainer, "name-within-container", "the content is a container, and the name tells which kind"},
-    {Why::ContainerWithoutName, "container-without-name",
-     "the content is a container, and the name stands for no kind of it"},
-};
-
-constexpr bool _inOrder()
-{
-    int next = Why::EmptyInput;
-    for (ReasonRow const& row : _reasons)
-        if (row.reason != next++) return false;
-    return next == Why::ContainerWithoutName + 1;
-}
-static_assert(_inOrder(), "_reasons is indexed by reason");
-
-char const* _kindOf(Match const& match)
-{
-    constexpr char const* kinds[] = {"string", "big16", "big32", "host16", "host32", "little16", "little32", "byte"};
-    return kinds[match.type];
-}
-
-std::string _placesOf(Match const& match)
-{
-    std::string const start = std::to_string(match.offsetStart);
-    return match.offsetStart == match.offsetEnd ? start : start + ":" + std::to_string(match.offsetEnd);
-}
-
-/// `string "PK" at 0`
-std::string _testOf(Match const& match)
-{
-    std::string text = std::string(_kindOf(match)) + " \"" + shown(match.value) + "\" at " + _placesOf(match);
-    if (match.hasMask) text += " under the mask " + shown(match.mask);
-    if (!match.matches.empty()) text += ", and one of " + std::to_string(match.matches.size()) + " within it";
-    return text;
-}
 
 Json _jsonOf(Why::GlobHit const& hit)
 {
@@ -90,7 +41,7 @@ Json _jsonOf(Why::GlobHit const& hit)
 Json _jsonOf(Why::MagicHit const& hit)
 {
     Json json{
-        {"type", hit.type->mimeType}, {"priority", hit.magic->priority},       {"test", _kindOf(*hit.match)},
+        {"type", hit.type->mimeType}, {"priority", hit.magic->priority},       {"test", kindOf(*hit.match)},
         {"value", hit.match->value},  {"offsetStart", hit.match->offsetStart}, {"offsetEnd", hit.match->offsetEnd}};
     if (hit.match->hasMask) json["mask"] = hit.match->mask;
     json["nested"] = hit.match->matches.size();
@@ -108,7 +59,7 @@ void _showJson(std::string const& file, Why const& why, unsigned int code, bool 
 {
     Json json{{"file", file}, {"type", *why.mimeType}, {"code", code}};
     if (explain) {
-        json["reason"] = _reasons[why.reason].name;
+        json["reason"] = nameOf(why.reason);
         json["globs"] = _jsonOf(why.globs);
         json["magic"] = _jsonOf(why.magics);
     }
@@ -121,9 +72,9 @@ void _showReasons(Why const& why)
         std::cout << "    name:    " << shown(hit.type->mimeType) << " by " << shown(hit.glob->pattern) << ", weight "
                   << hit.glob->weight << (hit.kept ? "\n" : ", dropped for a heavier or longer one\n");
     for (Why::MagicHit const& hit : why.magics)
-        std::cout << "    content: " << shown(hit.type->mimeType) << " by " << _testOf(*hit.match) << ", priority "
+        std::cout << "    content: " << shown(hit.type->mimeType) << " by " << testOf(*hit.match) << ", priority "
                   << hit.magic->priority << '\n';
-    std::cout << "    because: " << _reasons[why.reason].text << '\n';
+    std::cout << "    because: " << textOf(why.reason) << '\n';
 }
 
 int _tellType(Input& input, SharedMimeInfoImpl const& database, Options const& options)

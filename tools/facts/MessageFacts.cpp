@@ -1,0 +1,274 @@
+// One walk over the message, in which every body is read while the parser is in it: the source moves
+// forward only, and each byte is decoded once. The walk is ours and not that of a visitor, because a
+// visitor is not told which container a part stands in.
+//
+// What a cap ends early ends as the exception of a source does: the message is of no further use, and
+// what was noted of it stays.
+#include "MessageFacts.h"
+
+#include <algorithm>
+#include <string_view>
+
+#include <velmara/ContentType.h>
+#include <velmara/EmailAddress.h>
+#include <velmara/MimePart.h>
+#include <velmara/Rfc822Msg.h>
+#include <velmara/StringOperations.h>
+
+#include "BodyBytes.h"
+#include "CappedSource.h"
+#include "LeafFacts.h"
+#include "MailDate.h"
+#include "PartLabels.h"
+
+namespace VelmaraCommand {
+
+using namespace Velmara;
+
+namespace {
+
+constexpr unsigned long _notSet = 0xFFFFFFFFul;
+
+struct TooManyParts {};
+
+// ---- headers ----------------------------------------------------------------------------------
+
+std::vector<Address> _addressesOf(HeaderContainer const& headers, char const* name)
+{
+    std::vector<Address> addresses;
+    for (Header const& header : headers.headers())
+        if (stringCompareNoCase(header.type(), name))
+            for (EmailAddress const& address : EmailAddress::rfc5322ParseList(header.value(), true))
+                addresses.push_back(Address{address.address(), decoded(address.displayName())});
+    return addresses;
+}
+
+std::string _valueOf(HeaderContainer const& headers, char const* name)
+{
+    Header const& header = headers.find(name);
+    return header.isNull() ? std::string() : header.value();
+}
+
+std::string _messageId(HeaderContainer const& headers)
+{
+    std::string const value = _valueOf(headers, "Message-ID");
+    std::list<EmailAddress> const ids = EmailAddress::rfc5322ParseList(value, " ");
+    return ids.empty() ? value : ids.front().address();
+}
+
+void _readHeaders(HeaderContainer const& headers, MessageFacts& facts)
+{
+    facts.subject = decoded(_valueOf(headers, "Subject"));
+    facts.messageId = _messageId(headers);
+    facts.date = _valueOf(headers, "Date");
+    facts.time = readMailDate(facts.date);
+    facts.from = _addressesOf(headers, "From");
+    facts.sender = _addressesOf(headers, "Sender");
+    facts.replyTo = _addressesOf(headers, "Reply-To");
+    facts.to = _addressesOf(headers, "To");
+    facts.cc = _addressesOf(headers, "Cc");
+    facts.route = routeOf(headers);
+}
+
+// ---- delimiters -------------------------------------------------------------------------------
+
+struct OpenMultipart {
+    std::string path, delimiter; // "--boundary"
+};
+
+std::string_view _withoutLineEnd(std::string_view line)
+{
+    while (!line.empty() && (line.back() == '\n' || line.back() == '\r')) line.remove_suffix(1);
+    return line;
+}
+
+bool _startsWith(std::string_view text, std::string_view prefix)
+{
+    return text.substr(0, prefix.size()) == prefix;
+}
+
+/// Finds whose delimiter a line is, as the parser does: the innermost that the line begins with.
+std::optional<Ending> _endingOf(std::string const& dashedLine, std::vector<OpenMultipart> const& open)
+{
+    for (size_t i = open.size(); i-- > 0;) {
+        OpenMultipart const& multipart = open[i];
+        if (!_startsWith(dashedLine, multipart.delimiter)) continue;
+        Ending ending;
+        ending.text = _withoutLineEnd(dashedLine);
+        ending.path = multipart.path;
+        ending.closing = _startsWith(dashedLine, multipart.delimiter + "--");
+        ending.delimiter = multipart.delimiter + (ending.closing ? "--" : "");
+        ending.exact = ending.text.find_first_not_of(" \t", ending.delimiter.size()) == std::string::npos;
+        return ending;
+    }
+    return std::nullopt;
+}
+
+// ---- the walk ---------------------------------------------------------------------------------
+
+class Reader {
+public:
+    Reader(CappedSource& source, Deadline const& deadline, Limits const& limits, Wanted const& wanted,
+           MessageFacts& facts)
+        : m_source(source), m_deadline(deadline), m_limits(limits), m_wanted(wanted), m_facts(facts)
+    {}
+
+    void read(MimePart& part, std::string const& path, unsigned int depth)
+    {
+        m_deadline.check();
+        size_t const index = start(part, path, depth);
+        switch (m_facts.parts[index].kind) {
+        case PartKind::Multipart:
+            return readChildren(static_cast<MimeRfc822MPart&>(part), index);
+        case PartKind::Message:
+            return readNested(static_cast<MimeRfc822SPart&>(part), index);
+        default:
+            return readText(part, index);
+        }
+    }
+
+    /// The lengths of containers, which are known only now.
+    void finish()
+    {
+        for (size_t i = 0; i < m_read.size(); ++i) settle(*m_read[i], m_facts.parts[i]);
+    }
+
+private:
+    bool hasHeaders(PartFacts const& facts) const
+    {
+        return facts.kind != PartKind::Preamble && facts.kind != PartKind::Epilogue;
+    }
+
+    size_t start(MimePart& part, std::string const& path, unsigned int depth)
+    {
+        if (m_limits.parts != 0 && m_facts.parts.size() >= m_limits.parts) throw TooManyParts{};
+        m_facts.parts.emplace_back();
+        m_read.push_back(&part);
+        PartFacts& facts = m_facts.parts.back();
+        facts.path = path;
+        facts.kind = kindOf(&part);
+        facts.depth = depth;
+        if (hasHeaders(facts)) describe(part, facts);
+        facts.bodyLengthKnown = false;
+        return m_facts.parts.size() - 1;
+    }
+
+    void describe(MimePart& part, PartFacts& facts)
+    {
+        facts.header = Span{part.sourcePosition(), part.sourcePosition() + part.hlen()};
+        facts.body = Span{facts.header.end, facts.header.end};
+        for (Header const& header : part.headers().headers()) facts.headers.emplace_back(header.type(), header.value());
+        PartLabels labels = labelsOf(part.headers());
+        facts.mediaType = std::move(labels.mediaType);
+        facts.charset = std::move(labels.charset);
+        facts.encoding = std::move(labels.encoding);
+        facts.disposition = std::move(labels.disposition);
+        facts.name = std::move(labels.name);
+        facts.contentId = std::move(labels.contentId);
+    }
+
+    void readChildren(MimeRfc822MPart& part, size_t index)
+    {
+        std::string const path = m_facts.parts[index].path;
+        unsigned int const depth = m_facts.parts[index].depth + 1;
+        std::string const boundary = ContentType(part.headers().find(ContentType::htype)).boundary();
+        m_facts.parts[index].boundary = boundary;
+        m_open.push_back(OpenMultipart{path, "--" + boundary});
+        size_t const level = m_open.size();
+        unsigned int number = 0;
+        for (Ref<MimePart> child = part.firstChild(); !child.isNull(); child = part.nextChild()) {
+            PartKind const kind = kindOf(child.get());
+            if (kind == PartKind::Epilogue) m_open.resize(level - 1); // its delimiter is one no more
+            read(*child.get(), path + "." + std::to_string(kind == PartKind::Preamble ? 0 : ++number), depth);
+        }
+        m_open.resize(level - 1);
+    }
+
+    void readNested(MimeRfc822SPart& part, size_t index)
+    {
+        std::string const path = m_facts.parts[index].path;
+        unsigned int const depth = m_facts.parts[index].depth + 1;
+        if (Ref<MimePart> const child = part.child(); !child.isNull()) read(*child.get(), path + ".1", depth);
+    }
+
+    /// A leaf, or the text around parts. Where the body begins follows from its end: a delimiter that ends
+    /// a header block stands between the two.
+    void readText(MimePart& part, size_t index)
+    {
+        PartFacts& facts = m_facts.parts[index];
+        BodyCodec const codec = facts.kind == PartKind::Leaf ? codecOf(part.headers()) : BodyCodec();
+        readBody(part, codec, m_source, m_deadline, m_body);
+        facts.body.end = m_source.lineBegin();
+        facts.body.begin = facts.body.end - m_body.rawBytes;
+        facts.bodyLengthKnown = true;
+        noteEnding(facts);
+        facts.decodedBytes = m_body.decodedBytes;
+        facts.decodedBy = codec.name;
+        if (facts.kind == PartKind::Leaf || facts.kind == PartKind::Skipped)
+            addLeafFacts(part.headers(), m_body, m_wanted, m_deadline, facts);
+        else
+            addPlainText(m_body, m_wanted, facts);
+    }
+
+    void noteEnding(PartFacts& facts)
+    {
+        if (m_source.dashedLine().empty()) return;
+        facts.ending = _endingOf(m_source.dashedLine(), m_open);
+        if (facts.ending) facts.ending->line = Span{m_source.lineBegin(), m_source.lineEnd()};
+    }
+
+    void settle(MimePart& part, PartFacts& facts)
+    {
+        bool const isContainer = facts.kind == PartKind::Multipart || facts.kind == PartKind::Message;
+        if (isContainer) facts.bodyLengthKnown = part.blen() != _notSet;
+        if (!facts.bodyLengthKnown)
+            facts.body.end = m_source.lineEnd();
+        else if (isContainer)
+            facts.body.end = facts.header.end + part.blen();
+    }
+
+    CappedSource& m_source;
+    Deadline const& m_deadline;
+    Limits const& m_limits;
+    Wanted const& m_wanted;
+    MessageFacts& m_facts;
+    std::vector<MimePart*> m_read; // in the order of the facts; owned by the message
+    std::vector<OpenMultipart> m_open;
+    BodyBytes m_body; // of the part at hand
+};
+
+void _read(MediaIn& media, CappedSource& source, Deadline const& deadline, Limits const& limits, Wanted const& wanted,
+           MessageFacts& facts)
+{
+    Ref<Rfc822Msg> const message = Rfc822Msg::parse(media);
+    Reader reader(source, deadline, limits, wanted, facts);
+    try {
+        _readHeaders(message->root()->headers(), facts);
+        reader.read(*message->root(), "1", 0);
+    } catch (TooManyParts const&) {
+        facts.capped = "parts";
+    } catch (OutOfTime const&) {
+        facts.capped = "time";
+    }
+    reader.finish();
+}
+
+} // namespace
+
+MessageFacts factsOf(MediaIn source, Limits const& limits, Wanted const& wanted)
+{
+    MessageFacts facts;
+    Deadline const deadline(limits.time);
+    auto* capped = new CappedSource(source, limits.bytes, deadline);
+    MediaIn media(capped, false);
+    try {
+        _read(media, *capped, deadline, limits, wanted, facts);
+    } catch (OutOfTime const&) {
+        facts.capped = "time"; // ahead of the first part
+    }
+    facts.bytes = capped->tell();
+    if (facts.capped.empty() && capped->isCut()) facts.capped = "bytes";
+    return facts;
+}
+
+} // namespace VelmaraCommand

@@ -1,0 +1,20 @@
+#pragma once
+
+#include <string>
+
+#include <velmara/HeaderContainer.h>
+
+namespace VelmaraCommand {
+
+/// What the headers of a part say of its body; "" for what they do not say.
+struct PartLabels {
+    std::string mediaType, charset, encoding;
+    std::string disposition; // "attachment", "inline"
+    std::string name;        // of the attachment, decoded; that of Content-Disposition comes first
+    std::string typeName;    // the one of Content-Type, which not every mail program prefers alike
+    std::string contentId;
+};
+
+PartLabels labelsOf(Velmara::HeaderContainer const& headers);
+
+} // namespace VelmaraCommand
