@@ -39,7 +39,7 @@ TEST(Fingerprint, ComponentsAreTheSameEverywhereInOneOrder)
                                         "words xdict-ec-gb.idx", "words e2i.idx", "words Dico_result_38.xdxf.idx",
                                         "words xdict-ce-gb.idx", "words xdict-ce-big5.idx", "words jmdict-ja-en.idx",
                                         "words rus_eng_full.idx", "words KoreanEnglishDic.idx",
-                                        "words Babylon_Hebrew_English.idx", "words ara-eng.index"}),
+                                        "words Babylon_Hebrew_English.idx", "words ara-eng.index", "vectors"}),
               names);
 }
 

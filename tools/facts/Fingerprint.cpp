@@ -7,6 +7,8 @@
 #include <velmara/Installation.h>
 #include <velmara/Md5Hasher.h>
 
+#include "SelfTest.h"
+
 namespace VelmaraCommand {
 namespace {
 
@@ -27,6 +29,24 @@ std::string _digestOfMagic(std::string const& path)
     return source == "absent" ? digestOfFile(path + ".mgc") : source;
 }
 
+std::string _digestOf(std::vector<Component> const& all)
+{
+    Md5Hasher md5;
+    for (Component const& one : all) {
+        std::string const line = one.name + '\t' + one.value + '\n';
+        md5.update(reinterpret_cast<unsigned char const*>(line.data()), static_cast<unsigned int>(line.size()));
+    }
+    return _digestOf(md5);
+}
+
+/// Of what they gave, right or wrong: both sites may be wrong alike.
+std::string _digestOfVectors()
+{
+    std::vector<Component> given;
+    for (VectorOutcome const& outcome : runVectors()) given.push_back({outcome.name, outcome.given});
+    return _digestOf(given);
+}
+
 std::vector<Component> _lookUp()
 {
     std::vector<Component> all{
@@ -41,17 +61,8 @@ std::vector<Component> _lookUp()
         all.push_back({kind + name, digestOfFile(Installation::wordDirectory() + '/' + name)});
         kind = "words ";
     }
+    all.push_back({"vectors", _digestOfVectors()});
     return all;
-}
-
-std::string _digestOf(std::vector<Component> const& all)
-{
-    Md5Hasher md5;
-    for (Component const& one : all) {
-        std::string const line = one.name + '\t' + one.value + '\n';
-        md5.update(reinterpret_cast<unsigned char const*>(line.data()), static_cast<unsigned int>(line.size()));
-    }
-    return _digestOf(md5);
 }
 
 } // namespace

@@ -8,12 +8,12 @@
 namespace VelmaraCommand {
 
 struct Component {
-    std::string name;  // "library", "ICU", "type database", "words e2i.idx", ...
-    std::string value; // a version, the MD5 of a file, "absent", or "unreadable"
+    std::string name;  // "library", "ICU", "type database", "words e2i.idx", "vectors", ...
+    std::string value; // a version, an MD5, "absent" or "unreadable"
 };
 
 /// The versions of the library and of what it calls, each data file of the installation, and the digest
-/// of what the vectors of the self-test gave here; always the same components in the same order.
+/// of what the vectors of the self-test (SelfTest.h) gave here; always the same components in the same order.
 /// Looked up at the first call, and from then on the same for the life of the process: files that are
 /// exchanged later go unnoticed, as they do in the library. Safe from any thread.
 std::vector<Component> const& components();

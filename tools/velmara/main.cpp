@@ -13,7 +13,7 @@ namespace {
 /// In the order in which `--help` shows them.
 constexpr AddVerb _verbs[] = {
     addTree, addBody,   addHeaders, addRoute, addDecode, addType,  addText,
-    addHtml, addTokens, addSign,    addLinks, addReply,  addNames,
+    addHtml, addTokens, addSign,    addLinks, addReply,  addNames, addSelfTest,
 };
 
 int _run(int argc, char** argv)
