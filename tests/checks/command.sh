@@ -57,6 +57,10 @@ expect "json" 0 "$velmara" tree --json samples/*.eml
 "$velmara" tree - <samples/forwards.eml >"$work/piped" 2>&1
 "$velmara" tree samples/forwards.eml >"$work/file" 2>&1
 cmp -s "$work/piped" "$work/file" || { echo "standard input reads otherwise than the file" >&2; failed=1; }
+{ cat samples/newsletter.eml; for _ in $(seq 300); do printf '%0900d\n' 0; done; } >"$work/long.eml"
+"$velmara" body "$work/long.eml" 1.1 >"$work/file" 2>&1
+"$velmara" body <(cat "$work/long.eml") 1.1 >"$work/piped" 2>&1
+cmp -s "$work/piped" "$work/file" || { echo "a pipe reads otherwise than the file" >&2; failed=1; }
 
 expect "a body" 0 "$velmara" body samples/attachments.eml 1.2
 printf 'Überblick über das erste Quartal:\r\nUmsatz = 1.234.567 €\r\n' | cmp -s - "$work/out" ||

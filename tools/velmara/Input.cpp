@@ -1,5 +1,7 @@
 #include "Input.h"
 
+#include <fcntl.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -21,22 +23,45 @@ std::string _reason(Velmara::Exception const& failure, std::string const& path)
     return detail.compare(0, path.size() + 2, path + ": ") == 0 ? detail.substr(path.size() + 2) : detail;
 }
 
-} // namespace
+[[noreturn]] void _fail(int error)
+{
+    Velmara::Exception failure("read", 6, nullptr, 0);
+    failure.stringParameter(std::generic_category().message(error));
+    throw failure;
+}
 
-std::string readStandardIn()
+std::string _readAll(int file)
 {
     std::string bytes;
     char block[64 * 1024];
     for (;;) {
-        ssize_t const got = ::read(STDIN_FILENO, block, sizeof block);
+        ssize_t const got = ::read(file, block, sizeof block);
         if (got == 0) return bytes;
         if (got > 0) bytes.append(block, static_cast<size_t>(got));
-        if (got < 0 && errno != EINTR) {
-            Velmara::Exception failure("read", 6, nullptr, 0);
-            failure.stringParameter(std::generic_category().message(errno));
-            throw failure;
-        }
+        if (got < 0 && errno != EINTR) _fail(errno);
     }
+}
+
+bool _isPipe(std::string const& path)
+{
+    struct stat there;
+    return ::stat(path.c_str(), &there) == 0 && S_ISFIFO(there.st_mode);
+}
+
+std::string _readPipe(std::string const& path)
+{
+    int const file = ::open(path.c_str(), O_RDONLY | O_CLOEXEC);
+    if (file < 0) _fail(errno);
+    std::string const bytes = _readAll(file);
+    ::close(file);
+    return bytes;
+}
+
+} // namespace
+
+std::string readStandardIn()
+{
+    return _readAll(STDIN_FILENO);
 }
 
 std::vector<std::string> linesOf(std::vector<std::string> const& texts)
@@ -57,11 +82,13 @@ Input::Input(std::string const& path) : m_name(path == "-" ? "(standard input)" 
 {
     if (path != "-") {
         m_fileName = path.substr(path.rfind('/') + 1);
-        m_media = Velmara::FileMediaIn(path);
-        return;
+        if (!_isPipe(path)) {
+            m_media = Velmara::FileMediaIn(path);
+            return;
+        }
     }
-    m_standardIn = readStandardIn();
-    m_media = Velmara::BufferMediaIn(m_standardIn.data(), m_standardIn.size());
+    m_held = path == "-" ? readStandardIn() : _readPipe(path);
+    m_media = Velmara::BufferMediaIn(m_held.data(), m_held.size());
 }
 
 int forEachInput(std::vector<std::string> const& paths, std::function<int(Input&)> const& work)

@@ -22,7 +22,7 @@ public:
 private:
     std::string m_name; // as people should see it
     std::string m_fileName;
-    std::string m_standardIn; // its bytes, for it may be a pipe and the parser goes back and forth
+    std::string m_held; // the bytes of a pipe or of standard input, for the parser goes back and forth
     Velmara::MediaIn m_media;
 };
 
