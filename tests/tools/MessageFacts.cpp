@@ -1,8 +1,13 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <fstream>
+#include <iterator>
+
 #include <velmara/MediaIn.h>
 
+#include "facts/Findings.h"
 #include "facts/MessageFacts.h"
 
 using namespace VelmaraCommand;
@@ -209,4 +214,193 @@ TEST(MessageFactsJson, HoldsTheDocumentedFields)
     EXPECT_EQ("text/html", part["mediaType"]);
     EXPECT_EQ("x", part["html"]["runs"][0]["text"]);
     EXPECT_EQ(part["header"][1], part["body"][0]);
+}
+
+// ---- findings -----------------------------------------------------------------------------------
+
+namespace {
+
+/// A message in which a code is found at some bytes of a part, and one that differs little and has none.
+struct FindingRow {
+    char const *rule, *code, *path;
+    std::string found;
+    std::string where; // the bytes that it names; "" for none
+    std::string notFound;
+};
+
+void PrintTo(FindingRow const& row, std::ostream* out)
+{
+    *out << row.rule;
+}
+
+std::string _plain(std::string const& headers, std::string const& body = "text\n")
+{
+    return headers + "\n" + body;
+}
+
+std::string _parts(std::string const& first, std::string const& behind = "--b--\n")
+{
+    return _mixed("--b\n" + first + behind);
+}
+
+std::string _html(std::string const& page)
+{
+    return "Content-Type: text/html; charset=utf-8\n\n<body>" + page + "</body>\n";
+}
+
+std::string _nested(size_t depth)
+{
+    std::string mail;
+    for (size_t i = 0; i < depth; ++i) mail += "Content-Type: message/rfc822\n\n";
+    return mail + "\nx\n";
+}
+
+std::string const _nul(1, '\0');
+
+std::vector<FindingRow> _findingRows()
+{
+    return {
+        {"LineOfAMailboxEndsTheHeaders", "mailbox-line", "1", "From a@b Mon Jan 1\nSubject: x\n\ny",
+         "From a@b Mon Jan 1\n", "From: a@b\nSubject: x\n\ny"},
+        {"LineWithoutColonEndsTheHeaders", "header-without-colon", "1", "A: b\nno header\nC: d\n\ny", "no header\n",
+         "A: b\n continued\nC: d\n\ny"},
+        {"DelimiterEndsTheHeaders", "delimiter-in-header", "1.1", _parts("X: y\n", "--b\n\nz\n--b--\n"), "--b\n",
+         _parts("X: y\n\n")},
+        {"SecondContentType", "duplicate-content-type", "1",
+         _plain("Content-Type: text/plain\nX: y\nContent-Type: text/html\n"), "Content-Type: text/html\n",
+         _plain("Content-Type: text/plain\nX: Content-Type: text/html\n")},
+        {"SecondSubject", "duplicate-header", "1", _plain("Subject: a\nSUBJECT: b\n c\nX: d\n"), "SUBJECT: b\n c\n",
+         _plain("Subject: a\nReceived: b\nReceived: c\n")},
+        {"SecondBoundary", "duplicate-parameter", "1",
+         "Content-Type: multipart/mixed; boundary=b; boundary=c\n\n--b\n\nx\n--b--\n",
+         "Content-Type: multipart/mixed; boundary=b; boundary=c\n\n", _parts("\nx\n")},
+        {"TwoNames", "name-conflict", "1",
+         _plain("Content-Type: text/plain; name=a.txt\nContent-Disposition: attachment; filename=b.exe\n"),
+         "Content-Type: text/plain; name=a.txt\nContent-Disposition: attachment; filename=b.exe\n\n",
+         _plain("Content-Type: text/plain; name=a.txt\nContent-Disposition: attachment; filename=a.txt\n")},
+        {"NameThatTurnsTheDirection", "turned-name", "1",
+         _plain("Content-Disposition: attachment; filename=\"a\xE2\x80\xAE"
+                "fdp.exe\"\n"),
+         "Content-Disposition: attachment; filename=\"a\xE2\x80\xAE"
+         "fdp.exe\"\n\n",
+         _plain("Content-Disposition: attachment; filename=\"a\xE2\x80\x9A"
+                "fdp.exe\"\n")},
+        {"ContainerBeyondTheDepthLimit", "depth-limit", "1" /* 100 times ".1" behind it */, _nested(101), "\nx\n",
+         _nested(100)},
+        {"MultipartWithoutBoundary", "no-boundary", "1", _plain("Content-Type: multipart/mixed\n"),
+         "Content-Type: multipart/mixed\n\n", _parts("\nx\n")},
+        {"BoundaryThatNeverComes", "no-parts", "1", _mixed("x\n"), "x\n", _parts("\nx\n")},
+        {"ClosingDelimiterThatNeverComes", "unclosed-multipart", "1", _parts("\nx\n", ""), "", _parts("\nx\n")},
+        {"InnerBoundaryBeginsTheOuter", "overlapping-boundaries", "1.1",
+         _parts("Content-Type: multipart/mixed; boundary=bc\n\n--bc\n\nx\n--bc--\n"),
+         "Content-Type: multipart/mixed; boundary=bc\n\n",
+         _parts("Content-Type: multipart/mixed; boundary=c\n\n--c\n\nx\n--c--\n")},
+        {"EncodingOfAContainer", "encoded-container", "1",
+         "Content-Type: message/rfc822\nContent-Transfer-Encoding: base64\n\nA: b\n\nx",
+         "Content-Type: message/rfc822\nContent-Transfer-Encoding: base64\n\n",
+         "Content-Type: message/rfc822\nContent-Transfer-Encoding: 8bit\n\nA: b\n\nx"},
+        {"EncodingThatIsNone", "unknown-encoding", "1", _plain("Content-Transfer-Encoding: 7-bit\n"),
+         "Content-Transfer-Encoding: 7-bit\n\n", _plain("Content-Transfer-Encoding: 7bit\n")},
+        {"TextAheadOfTheFirstDelimiter", "preamble-text", "1.0", _mixed("\nbuy\nnow\n--b\n\nx\n--b--\n"), "buy\nnow\n",
+         _mixed("\nThis is a multi-part message in MIME format...\r\n--b\n\nx\n--b--\n")},
+        {"HeadersAheadOfTheFirstDelimiter", "preamble-headers", "1.0",
+         _mixed("--x\ncontent-type: text/html\n--b\n\nx\n--b--\n"), "content-type: text/html\n",
+         _mixed("the content-type: text/html\n--b\n\nx\n--b--\n")},
+        {"TextBehindTheClosingDelimiter", "epilogue-text", "1.2", _parts("\nx\n", "--b--\n\nbuy\n"), "buy\n",
+         _parts("\nx\n", "--b--\n \r\n\n")},
+        {"HeadersBehindTheClosingDelimiter", "epilogue-headers", "1.2",
+         _parts("\nx\n", "--b--\n--b\nContent-Transfer-Encoding: base64\n\nx"), "Content-Transfer-Encoding: base64\n",
+         _parts("\nx\n", "--b--\nContents: none\n")},
+        {"ByteThatIsNotOfBase64", "foreign-base64", "1", _plain("Content-Transfer-Encoding: base64\n", "QUJD\nQU-D\n"),
+         "-", _plain("Content-Transfer-Encoding: base64\n", "QUJD\nQUI=\n")},
+        {"NulInABody", "nul-byte", "1", _plain("A: b\n", "x" + _nul + "y" + _nul), _nul,
+         _plain("Content-Transfer-Encoding: binary\n", "x" + _nul)},
+        {"NulInAHeader", "nul-byte", "1", _plain("A: b" + _nul + "c\nD: e\n"), "A: b" + _nul + "c\n",
+         _plain("A: b0c\n")},
+        {"CharsetThatNobodyKnows", "unknown-charset", "1", _plain("Content-Type: text/plain; charset=klingon\n"),
+         "Content-Type: text/plain; charset=klingon\n\n", _plain("Content-Type: text/plain; charset=latin1\n")},
+        {"BytesThatTheCharsetLacks", "undecodable-text", "1",
+         _plain("Content-Type: text/plain; charset=utf-8\n", "a\xFF"), "a\xFF",
+         _plain("Content-Type: text/plain; charset=utf-8\n", "a\xC3\xA9")},
+        {"ContentThatIsNotWhatIsDeclared", "type-mismatch", "1",
+         _plain("Content-Type: image/png\n", "%PDF-1.4 and more\n"), "%PDF-1.4 and more\n",
+         _plain("Content-Type: application/pdf\n", "%PDF-1.4 and more\n")},
+        {"TextInTheColourOfItsBackground", "hidden-text", "1", _html("<font color=white>x</font>"),
+         "<body><font color=white>x</font></body>\n", _html("<font color=black>x</font>")},
+        {"LineThatBeginsWithADelimiter", "delimiter-by-prefix", "1.1", _parts("\nx\n", "--bcd\n\ny\n--b--\n"),
+         "--bcd\n", _parts("\nx\n", "--b \t\n\ny\n--b--\n")},
+        {"TextBehindADelimiter", "text-behind-delimiter", "1.1", _parts("\nx\n", "--b buy now\n\ny\n--b--\n"),
+         "--b buy now\n", _parts("\nx\n", "--b\t\n\ny\n--b--\n")},
+        {"LinkThatShowsAnotherHost", "host-mismatch", "1",
+         _html("<a href='http://thief.example/'>www.bank.example</a>"),
+         "<body><a href='http://thief.example/'>www.bank.example</a></body>\n",
+         _html("<a href='http://bank.example/'>www.bank.example</a>")},
+        {"NameThatIsAnotherAddress", "display-name-address", "1",
+         _plain("From: \"boss@bank.example\" <x@thief.example>\n"), "From: \"boss@bank.example\" <x@thief.example>\n\n",
+         _plain("From: \"boss@bank.example\" <x@BANK.example>\n")},
+        {"SubjectThatTurnsTheDirection", "turned-header", "1", _plain("Subject: =?utf-8?Q?a=E2=80=AEb?=\n"),
+         "Subject: =?utf-8?Q?a=E2=80=AEb?=\n\n", _plain("Subject: =?utf-8?Q?a=E2=80=9Ab?=\n")},
+    };
+}
+
+/// Their paths and bytes, for one code.
+std::vector<std::pair<std::string, std::string>> _found(std::string const& mail, std::string const& code)
+{
+    std::vector<std::pair<std::string, std::string>> found;
+    for (Finding const& finding : _factsOf(mail).findings)
+        if (finding.code == code) found.emplace_back(finding.path, _cut(mail, finding.where));
+    return found;
+}
+
+class MessageFindings : public testing::TestWithParam<FindingRow> {};
+
+} // namespace
+
+TEST_P(MessageFindings, AreAtTheirPlaceAndNowhereElse)
+{
+    FindingRow const& row = GetParam();
+    auto const found = _found(row.found, row.code);
+    ASSERT_EQ(1u, found.size());
+    EXPECT_EQ(row.where, found[0].second);
+    std::string path = found[0].first;
+    if (std::string(row.code) == "depth-limit") path = path.substr(0, 1);
+    EXPECT_EQ(row.path, path);
+    EXPECT_TRUE(_found(row.notFound, row.code).empty());
+}
+
+INSTANTIATE_TEST_SUITE_P(Codes, MessageFindings, testing::ValuesIn(_findingRows()),
+                         [](auto const& row) { return std::string(row.param.rule); });
+
+TEST(Findings, EachCodeHasARowHereAndInTheManual)
+{
+    std::ifstream manual("docs/command.md");
+    std::string const text{std::istreambuf_iterator<char>(manual), {}};
+    std::vector<FindingRow> const rows = _findingRows();
+    for (std::string const& code : findingCodes()) {
+        EXPECT_NE(std::string::npos, text.find("| `" + code + "` |")) << code;
+        EXPECT_TRUE(std::any_of(rows.begin(), rows.end(), [&](FindingRow const& row) { return row.code == code; }))
+            << code;
+    }
+}
+
+TEST(Findings, OrdinaryMailHasNone)
+{
+    EXPECT_TRUE(_factsOf(_parts("Content-Type: text/plain; charset=utf-8\n\nGood morning\n")).findings.empty());
+    EXPECT_TRUE(_factsOf("Subject: x\n\nGood morning\n").findings.empty());
+    EXPECT_TRUE(_factsOf("").findings.empty());
+}
+
+TEST(Findings, AreInTheOrderOfTheParts)
+{
+    std::string paths;
+    for (Finding const& finding : _factsOf(_mixed("buy\n--b\nno header\n\nx\n--bc\n\ny\n")).findings)
+        paths += finding.path + ":" + finding.code + " ";
+    EXPECT_EQ("1:unclosed-multipart 1.0:preamble-text 1.1:header-without-colon 1.1:delimiter-by-prefix ", paths);
+}
+
+TEST(Findings, AreNotMadeWhereNobodyWantsThem)
+{
+    Wanted wanted;
+    wanted.findings = false;
+    EXPECT_TRUE(_factsOf(_mixed("x\n"), {}, wanted).findings.empty());
 }

@@ -78,8 +78,28 @@ void CappedSource::readline(Buffer& line)
     note(line);
 }
 
+void CappedSource::beginHeaders()
+{
+    m_starts.clear();
+    m_notesStarts = true;
+}
+
+std::string CappedSource::lineStart() const
+{
+    return m_lineStart.substr(0, m_lineStart.find_last_not_of(" \t\r\n") + 1);
+}
+
+void CappedSource::noteHeader(Buffer const& line)
+{
+    constexpr unsigned int start = 256;
+    if (m_lineIsWhole && line.at(0) != ' ' && line.at(0) != '\t') m_starts.push_back(m_lineBegin);
+    m_lineStart.assign(reinterpret_cast<char const*>(line.data()), std::min(line.length(), start));
+}
+
 void CappedSource::note(Buffer const& line)
 {
+    if (m_notesStarts) noteHeader(line);
+    m_lineIsWhole = line.isEmpty() || line.at(line.length() - 1) == '\n';
     m_lineIsBlank = _isBlank(line);
     m_dashedLine.clear();
     if (line.at(0) == '-' && line.at(1) == '-')

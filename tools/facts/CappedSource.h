@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <memory>
 #include <string>
+#include <vector>
 
 #include <velmara/MediaIn.h>
 
@@ -45,6 +46,13 @@ public:
     int read(Velmara::uchar_t* bytes, Velmara::uint_t n) override;
     unsigned long tell() const override { return m_position; }
 
+    /// From here on, and until endHeaders(), notes where lines begin that do not continue another one.
+    void beginHeaders();
+    void endHeaders() { m_notesStarts = false; }
+    std::vector<std::uint64_t> const& headerStarts() const { return m_starts; }
+    /// The beginning of the last line that was read meanwhile, without white space behind it.
+    std::string lineStart() const;
+
     /// Bytes of the medium lie behind the last one that is delivered.
     bool isCut() const;
 
@@ -58,6 +66,7 @@ public:
 private:
     bool more();
     void note(Velmara::Buffer const& line);
+    void noteHeader(Velmara::Buffer const& line);
 
     Velmara::MediaIn m_inner;
     std::uint64_t m_left; // bytes that may still be asked of it
@@ -69,6 +78,11 @@ private:
     std::uint64_t m_lineBegin = 0;
     std::string m_dashedLine;
     bool m_lineIsBlank = true;
+    bool m_lineIsWhole = true; // it had its line end, so the next one is another
+    // of header lines
+    bool m_notesStarts = false;
+    std::vector<std::uint64_t> m_starts;
+    std::string m_lineStart;
 };
 
 } // namespace VelmaraCommand

@@ -17,6 +17,7 @@
 #include "Signing.h"
 #include "TokenText.h"
 #include "TypeReasons.h"
+#include "Utf8.h"
 
 namespace VelmaraCommand {
 
@@ -64,11 +65,26 @@ bool _isOfAnotherFamily(std::string const& declared, std::string const& detected
     return _isOneOf(family, {"text", "image", "audio", "video"}) && family != _topLevel(detected);
 }
 
-bool _isMismatch(std::string const& declared, std::string const& detected)
+/// Types that mean the same to a reader, though neither is a kind of the other.
+bool _areAlike(std::string const& declared, std::string const& detected)
 {
-    if (declared.empty() || detected.find('/') == std::string::npos) return false;
     unsigned int const code = SharedMimeInfo::type(detected);
-    if (declared == detected || (code != 0 && SharedMimeInfo::type(declared) == code)) return false;
+    if (declared == detected || (code != 0 && SharedMimeInfo::type(declared) == code)) return true;
+    return _isOneOf(declared, {"text/html", "application/xhtml+xml"}) &&
+           _isOneOf(detected, {"text/html", "application/xhtml+xml"});
+}
+
+/// Whether anything is said of the content, and by whom.
+bool _isComparable(std::string const& declared, MimeTypeExplanation const& why)
+{
+    return !declared.empty() && !_isOneOf(_topLevel(declared), {"multipart", "message"}) &&
+           why.reason != MimeTypeExplanation::LooksBinary && why.mimeType->find('/') != std::string::npos;
+}
+
+bool _isMismatch(std::string const& declared, MimeTypeExplanation const& why)
+{
+    std::string const& detected = *why.mimeType;
+    if (!_isComparable(declared, why) || _areAlike(declared, detected)) return false;
     if (SharedMimeInfo::mimeTypeList().count(declared) == 0) return _isOfAnotherFamily(declared, detected);
     return !SharedMimeInfo::isMimeTypeEqualOrSubclassOf(declared, detected) &&
            !SharedMimeInfo::isMimeTypeEqualOrSubclassOf(detected, declared);
@@ -83,7 +99,7 @@ TypeFacts _typeOf(std::string const& body, std::string const& declared, std::str
     type.code = SharedMimeInfo::type(type.detected);
     type.reason = nameOf(why.reason);
     type.decidedBy = decidedBy(why);
-    type.mismatch = _isMismatch(declared, type.detected);
+    type.mismatch = _isMismatch(declared, why);
     return type;
 }
 
@@ -168,13 +184,9 @@ void _addTokens(std::string const& text, std::string const& charset, TextFacts& 
     for (wchar_t number : tokens.tokens()) facts.tokens.push_back(static_cast<unsigned int>(number));
 }
 
-/// A cut does not go through a character of UTF-8.
 void _keep(std::string const& text, Wanted const& wanted, TextFacts& facts)
 {
-    auto const continues = [&](std::uint64_t at) { return (static_cast<unsigned char>(text[at]) & 0xC0) == 0x80; };
-    std::uint64_t end = std::min<std::uint64_t>(wanted.textBytes, text.size());
-    for (int back = 0; back < 3 && end > 0 && end < text.size() && continues(end); ++back) --end;
-    facts.text = text.substr(0, end);
+    facts.text = beginningOf(text, wanted.textBytes);
 }
 
 void _addPlain(std::string const& body, std::string const& charset, Wanted const& wanted, Deadline const& deadline,

@@ -17,6 +17,7 @@
 
 #include "BodyBytes.h"
 #include "CappedSource.h"
+#include "Findings.h"
 #include "LeafFacts.h"
 #include "MailDate.h"
 #include "PartLabels.h"
@@ -26,8 +27,6 @@ namespace VelmaraCommand {
 using namespace Velmara;
 
 namespace {
-
-constexpr unsigned long _notSet = 0xFFFFFFFFul;
 
 struct TooManyParts {};
 
@@ -72,10 +71,6 @@ void _readHeaders(HeaderContainer const& headers, MessageFacts& facts)
 
 // ---- delimiters -------------------------------------------------------------------------------
 
-struct OpenMultipart {
-    std::string path, delimiter; // "--boundary"
-};
-
 std::string_view _withoutLineEnd(std::string_view line)
 {
     while (!line.empty() && (line.back() == '\n' || line.back() == '\r')) line.remove_suffix(1);
@@ -113,24 +108,29 @@ public:
         : m_source(source), m_deadline(deadline), m_limits(limits), m_wanted(wanted), m_facts(facts)
     {}
 
+    /// The last that the parser has read is the header block of the part.
     void read(MimePart& part, std::string const& path, unsigned int depth)
     {
         m_deadline.check();
         size_t const index = start(part, path, depth);
-        switch (m_facts.parts[index].kind) {
-        case PartKind::Multipart:
-            return readChildren(static_cast<MimeRfc822MPart&>(part), index);
-        case PartKind::Message:
-            return readNested(static_cast<MimeRfc822SPart&>(part), index);
-        default:
-            return readText(part, index);
-        }
+        PartContext context;
+        if (m_wanted.findings) context = contextOf(part, m_facts.parts[index]);
+        PartKind const kind = m_facts.parts[index].kind;
+        if (kind == PartKind::Multipart)
+            readChildren(static_cast<MimeRfc822MPart&>(part), index, context);
+        else if (kind == PartKind::Message)
+            readNested(static_cast<MimeRfc822SPart&>(part), index);
+        else
+            readText(part, index, context);
+        settle(m_facts.parts[index]);
+        if (m_wanted.findings) addPartFindings(m_facts.parts[index], context, part.headers(), m_facts.findings);
     }
 
-    /// The lengths of containers, which are known only now.
+    /// What a cap left open reaches as far as was read.
     void finish()
     {
-        for (size_t i = 0; i < m_read.size(); ++i) settle(*m_read[i], m_facts.parts[i]);
+        for (PartFacts& part : m_facts.parts)
+            if (!part.bodyLengthKnown) part.body.end = std::max(part.body.end, m_source.lineEnd());
     }
 
 private:
@@ -143,7 +143,6 @@ private:
     {
         if (m_limits.parts != 0 && m_facts.parts.size() >= m_limits.parts) throw TooManyParts{};
         m_facts.parts.emplace_back();
-        m_read.push_back(&part);
         PartFacts& facts = m_facts.parts.back();
         facts.path = path;
         facts.kind = kindOf(&part);
@@ -167,7 +166,31 @@ private:
         facts.contentId = std::move(labels.contentId);
     }
 
-    void readChildren(MimeRfc822MPart& part, size_t index)
+    PartContext contextOf(MimePart& part, PartFacts const& facts) const
+    {
+        PartContext context;
+        context.around = &m_open;
+        if (!hasHeaders(facts)) return context;
+        context.typeName = labelsOf(part.headers()).typeName;
+        context.headerEnd = headerEnd();
+        context.headerEndLine = Span{m_source.lineBegin(), m_source.lineEnd()};
+        context.headerEndText = m_source.lineStart();
+        for (std::uint64_t start : m_source.headerStarts()) {
+            if (start < facts.header.begin || start >= facts.header.end) continue;
+            if (!context.headerPlaces.empty()) context.headerPlaces.back().end = start;
+            context.headerPlaces.push_back(Span{start, facts.header.end});
+        }
+        return context;
+    }
+
+    HeaderEnd headerEnd() const
+    {
+        if (m_source.lineBegin() == m_source.lineEnd()) return HeaderEnd::EndOfMessage;
+        if (m_source.lineIsBlank()) return HeaderEnd::EmptyLine;
+        return _endingOf(m_source.dashedLine(), m_open) ? HeaderEnd::Delimiter : HeaderEnd::OtherLine;
+    }
+
+    void readChildren(MimeRfc822MPart& part, size_t index, PartContext& context)
     {
         std::string const path = m_facts.parts[index].path;
         unsigned int const depth = m_facts.parts[index].depth + 1;
@@ -176,31 +199,44 @@ private:
         m_open.push_back(OpenMultipart{path, "--" + boundary});
         size_t const level = m_open.size();
         unsigned int number = 0;
-        for (Ref<MimePart> child = part.firstChild(); !child.isNull(); child = part.nextChild()) {
+        for (Ref<MimePart> child = next(part); !child.isNull(); child = next(part)) {
             PartKind const kind = kindOf(child.get());
-            if (kind == PartKind::Epilogue) m_open.resize(level - 1); // its delimiter is one no more
+            context.isClosed = kind == PartKind::Epilogue;
+            if (context.isClosed) m_open.resize(level - 1); // its delimiter is one no more
             read(*child.get(), path + "." + std::to_string(kind == PartKind::Preamble ? 0 : ++number), depth);
         }
+        context.parts = number - (context.isClosed ? 1 : 0);
         m_open.resize(level - 1);
+    }
+
+    Ref<MimePart> next(MimeRfc822MPart& part)
+    {
+        m_source.beginHeaders();
+        Ref<MimePart> child = part.nextChild();
+        m_source.endHeaders();
+        return child;
     }
 
     void readNested(MimeRfc822SPart& part, size_t index)
     {
         std::string const path = m_facts.parts[index].path;
         unsigned int const depth = m_facts.parts[index].depth + 1;
-        if (Ref<MimePart> const child = part.child(); !child.isNull()) read(*child.get(), path + ".1", depth);
+        m_source.beginHeaders();
+        Ref<MimePart> const child = part.child();
+        m_source.endHeaders();
+        if (!child.isNull()) read(*child.get(), path + ".1", depth);
     }
 
     /// A leaf, or the text around parts. Where the body begins follows from its end: a delimiter that ends
     /// a header block stands between the two.
-    void readText(MimePart& part, size_t index)
+    void readText(MimePart& part, size_t index, PartContext& context)
     {
         PartFacts& facts = m_facts.parts[index];
         BodyCodec const codec = facts.kind == PartKind::Leaf ? codecOf(part.headers()) : BodyCodec();
         readBody(part, codec, m_source, m_deadline, m_body);
-        facts.body.end = m_source.lineBegin();
+        context.body = &m_body;
+        settle(facts);
         facts.body.begin = facts.body.end - m_body.rawBytes;
-        facts.bodyLengthKnown = true;
         noteEnding(facts);
         facts.decodedBytes = m_body.decodedBytes;
         facts.decodedBy = codec.name;
@@ -217,14 +253,11 @@ private:
         if (facts.ending) facts.ending->line = Span{m_source.lineBegin(), m_source.lineEnd()};
     }
 
-    void settle(MimePart& part, PartFacts& facts)
+    /// The part ends where the stream read last has ended.
+    void settle(PartFacts& facts)
     {
-        bool const isContainer = facts.kind == PartKind::Multipart || facts.kind == PartKind::Message;
-        if (isContainer) facts.bodyLengthKnown = part.blen() != _notSet;
-        if (!facts.bodyLengthKnown)
-            facts.body.end = m_source.lineEnd();
-        else if (isContainer)
-            facts.body.end = facts.header.end + part.blen();
+        facts.body.end = m_source.lineBegin();
+        facts.bodyLengthKnown = true;
     }
 
     CappedSource& m_source;
@@ -232,7 +265,6 @@ private:
     Limits const& m_limits;
     Wanted const& m_wanted;
     MessageFacts& m_facts;
-    std::vector<MimePart*> m_read; // in the order of the facts; owned by the message
     std::vector<OpenMultipart> m_open;
     BodyBytes m_body; // of the part at hand
 };
@@ -240,7 +272,9 @@ private:
 void _read(MediaIn& media, CappedSource& source, Deadline const& deadline, Limits const& limits, Wanted const& wanted,
            MessageFacts& facts)
 {
+    source.beginHeaders();
     Ref<Rfc822Msg> const message = Rfc822Msg::parse(media);
+    source.endHeaders();
     Reader reader(source, deadline, limits, wanted, facts);
     try {
         _readHeaders(message->root()->headers(), facts);
@@ -251,6 +285,9 @@ void _read(MediaIn& media, CappedSource& source, Deadline const& deadline, Limit
         facts.capped = "time";
     }
     reader.finish();
+    if (!wanted.findings) return;
+    addMessageFindings(facts);
+    sortFindings(facts);
 }
 
 } // namespace
