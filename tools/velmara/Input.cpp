@@ -7,9 +7,11 @@
 #include <algorithm>
 #include <cerrno>
 #include <iostream>
+#include <string_view>
 #include <system_error>
 
 #include "Verb.h"
+#include "facts/Shown.h"
 
 namespace VelmaraCommand {
 
@@ -30,16 +32,54 @@ std::string _reason(Velmara::Exception const& failure, std::string const& path)
     throw failure;
 }
 
+constexpr char const* _standardIn = "(standard input)";
+constexpr size_t _blockSize = 64 * 1024;
+
+/// What is there by now, 0 at the end. What was printed is shown before it waits.
+size_t _readBlock(int file, char (&block)[_blockSize])
+{
+    std::cout.flush();
+    for (;;) {
+        ssize_t const got = ::read(file, block, sizeof block);
+        if (got >= 0) return static_cast<size_t>(got);
+        if (errno != EINTR) _fail(errno);
+    }
+}
+
 std::string _readAll(int file)
 {
     std::string bytes;
-    char block[64 * 1024];
-    for (;;) {
-        ssize_t const got = ::read(file, block, sizeof block);
-        if (got == 0) return bytes;
-        if (got > 0) bytes.append(block, static_cast<size_t>(got));
-        if (got < 0 && errno != EINTR) _fail(errno);
+    char block[_blockSize];
+    while (size_t const got = _readBlock(file, block)) bytes.append(block, got);
+    return bytes;
+}
+
+void _giveLine(std::string& line, std::function<void(std::string const&)> const& work)
+{
+    if (!line.empty() && line.back() == '\r') line.pop_back();
+    work(line);
+    line.clear();
+}
+
+int _forEachLineOfStandardIn(std::function<void(std::string const&)> const& work)
+{
+    std::string line;
+    char block[_blockSize];
+    try {
+        while (size_t const got = _readBlock(STDIN_FILENO, block)) {
+            std::string_view rest(block, got);
+            for (size_t end; (end = rest.find('\n')) != std::string_view::npos; rest.remove_prefix(end + 1)) {
+                line += rest.substr(0, end);
+                _giveLine(line, work);
+            }
+            line += rest;
+        }
+    } catch (Velmara::Exception const& failure) {
+        complain(_standardIn, _reason(failure, _standardIn));
+        return WrongUseOrUnreadable;
     }
+    if (!line.empty()) _giveLine(line, work);
+    return Done;
 }
 
 bool _isPipe(std::string const& path)
@@ -64,21 +104,14 @@ std::string readStandardIn()
     return _readAll(STDIN_FILENO);
 }
 
-std::vector<std::string> linesOf(std::vector<std::string> const& texts)
+int forEachLine(std::vector<std::string> const& texts, std::function<void(std::string const&)> const& work)
 {
-    if (!texts.empty() && texts != std::vector<std::string>{"-"}) return texts;
-    std::vector<std::string> lines;
-    std::string const input = readStandardIn();
-    for (size_t at = 0; at < input.size();) {
-        size_t const end = std::min(input.find('\n', at), input.size());
-        lines.push_back(input.substr(at, end - at));
-        if (!lines.back().empty() && lines.back().back() == '\r') lines.back().pop_back();
-        at = end + 1;
-    }
-    return lines;
+    if (texts.empty() || texts == std::vector<std::string>{"-"}) return _forEachLineOfStandardIn(work);
+    for (std::string const& text : texts) work(text);
+    return Done;
 }
 
-Input::Input(std::string const& path) : m_name(path == "-" ? "(standard input)" : path)
+Input::Input(std::string const& path) : m_name(path == "-" ? _standardIn : path)
 {
     if (path != "-") {
         m_fileName = path.substr(path.rfind('/') + 1);
@@ -99,7 +132,7 @@ int forEachInput(std::vector<std::string> const& paths, std::function<int(Input&
             Input input(path);
             status = std::max(status, work(input));
         } catch (Velmara::Exception const& failure) {
-            complain(path == "-" ? "(standard input)" : path, _reason(failure, path));
+            complain(path == "-" ? _standardIn : path, _reason(failure, path));
             status = WrongUseOrUnreadable;
         }
     }
@@ -109,7 +142,7 @@ int forEachInput(std::vector<std::string> const& paths, std::function<int(Input&
 void complain(std::string const& place, std::string const& reason)
 {
     std::cout.flush();
-    std::cerr << "velmara: " << place << ": " << reason << '\n';
+    std::cerr << "velmara: " + shown(place) + ": " + shown(reason) + '\n';
 }
 
 } // namespace VelmaraCommand

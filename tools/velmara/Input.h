@@ -33,11 +33,13 @@ int forEachInput(std::vector<std::string> const& paths, std::function<int(Input&
 /// All of standard input.
 std::string readStandardIn();
 
-/// The lines of standard input, without their line ends, where no text or just "-" was given; else the
-/// texts of the command line themselves.
-std::vector<std::string> linesOf(std::vector<std::string> const& texts);
+/// Does `work` with each text of the command line; where none or just "-" was given, with each line of
+/// standard input as it arrives, without its line end. Standard input that cannot be read gets a line on
+/// standard error.
+int forEachLine(std::vector<std::string> const& texts, std::function<void(std::string const&)> const& work);
 
-/// One line on standard error: "velmara: PLACE: REASON".
+/// One line on standard error: "velmara: PLACE: REASON". Control characters are shown as in all output,
+/// for file names are chosen by others too.
 void complain(std::string const& place, std::string const& reason);
 
 } // namespace VelmaraCommand

@@ -30,14 +30,22 @@ void _show(Uri const& uri, bool json)
         std::cout << (host.empty() ? "-" : shown(host)) << '\t' << shown(uri.asString()) << '\n';
 }
 
-int _links(Options const& options)
+int _links(std::vector<std::string> const& texts, Options const& options)
 {
-    bool const fromInput = options.texts.empty() || options.texts == std::vector<std::string>{"-"};
-    std::vector<std::string> const texts = fromInput ? std::vector<std::string>{readStandardIn()} : options.texts;
     UriContainer links;
     for (std::string const& text : texts) UriSniffer::search(links, text, 0, options.bareNames);
     for (Uri const& uri : links.hrefs(0)) _show(uri, options.json);
     return Done;
+}
+
+int _links(Options const& options)
+{
+    if (!options.texts.empty() && options.texts != std::vector<std::string>{"-"}) return _links(options.texts, options);
+    return forEachInput({"-"}, [&](Input& in) {
+        std::string text;
+        in.media().read(text);
+        return _links({text}, options);
+    });
 }
 
 } // namespace

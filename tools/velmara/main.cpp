@@ -1,10 +1,16 @@
 // The command for people: `velmara VERB [OPTIONS] FILE...`. It uses the public API alone. Each verb
 // stands in a file of its own; this one knows their order and what all have in common.
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <cerrno>
 #include <csignal>
-#include <cstdio>
 #include <exception>
 #include <iostream>
+#include <string>
+#include <system_error>
 
+#include "Input.h"
 #include "Verb.h"
 
 namespace VelmaraCommand {
@@ -16,27 +22,64 @@ constexpr AddVerb _verbs[] = {
     addHtml, addTokens, addSign,    addLinks, addReply,  addNames, addSelfTest,
 };
 
+/// What is wrong, and where to look. CLI11's own word for a verb that is missing or unknown is "subcommand".
+int _refuse(CLI::App const& commandLine, CLI::ParseError const& error, std::string const& firstWord)
+{
+    auto const verbs = commandLine.get_subcommands();
+    if (!verbs.empty()) {
+        std::string const verb = verbs.front()->get_name();
+        complain(verb, std::string(error.what()) + "; `velmara " + verb + " --help` tells more");
+    } else if (firstWord.empty()) {
+        complain("no verb", "write `velmara VERB ...`; `velmara --help` lists the verbs");
+    } else {
+        complain(firstWord, "is no verb; `velmara --help` lists the verbs");
+    }
+    return WrongUseOrUnreadable;
+}
+
+/// The status, unless what was printed could not be written.
+int _afterFlush(int status)
+{
+    errno = 0;
+    std::cout.flush();
+    if (std::cout) return status;
+    complain("standard output", errno == 0 ? "cannot be written" : std::generic_category().message(errno));
+    return WrongUseOrUnreadable;
+}
+
+/// A stream that the caller closed must not become the number of a mail or of a file that is written.
+void _occupyStandardStreams()
+{
+    for (int stream : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO})
+        if (::fcntl(stream, F_GETFD) < 0) ::open("/dev/null", stream == STDIN_FILENO ? O_WRONLY : O_RDONLY);
+}
+
+void _describe(CLI::App& commandLine)
+{
+    commandLine.set_version_flag("--version", "velmara " VELMARA_VERSION, "Print the version and exit");
+    commandLine.require_subcommand(1);
+    commandLine.footer(
+        "`velmara VERB --help` tells more of a verb. FILE may be \"-\" for standard input; \"--\" ends the options.\n"
+        "Exit status: 0 done, 1 done with findings or failed messages, 2 wrong use or unreadable input.\n"
+        "Example: velmara tree mail.eml");
+}
+
 int _run(int argc, char** argv)
 {
     CLI::App commandLine("Shows what a mail is made of. Broken mail is read like any other.", "velmara");
-    commandLine.set_version_flag("--version", "velmara " VELMARA_VERSION);
-    commandLine.require_subcommand(1);
-    commandLine.footer("`velmara VERB --help` tells more of a verb. FILE may be \"-\" for standard input.\n"
-                       "Exit status: 0 done, 1 done with findings, 2 wrong use or unreadable input.");
+    _describe(commandLine);
     Action action;
     for (AddVerb add : _verbs) add(commandLine, action);
+    for (CLI::App* verb : commandLine.get_subcommands({}))
+        for (CLI::Option* option : verb->get_options())
+            if (option->get_positional()) option->type_name(""); // its own name says it
     try {
         commandLine.parse(argc, argv);
     } catch (CLI::ParseError const& error) {
-        return commandLine.exit(error) == 0 ? Done : WrongUseOrUnreadable;
+        if (error.get_exit_code() != 0) return _refuse(commandLine, error, argc > 1 ? argv[1] : "");
+        return _afterFlush(commandLine.exit(error)); // help or version
     }
-    int const status = action();
-    std::cout.flush();
-    if (!std::cout) {
-        std::fputs("velmara: standard output: cannot be written\n", stderr);
-        return WrongUseOrUnreadable;
-    }
-    return status;
+    return _afterFlush(action());
 }
 
 } // namespace
@@ -44,12 +87,13 @@ int _run(int argc, char** argv)
 
 int main(int argc, char** argv)
 {
+    VelmaraCommand::_occupyStandardStreams();
     std::signal(SIGPIPE, SIG_DFL); // `velmara ... | head` ends quietly
     std::ios::sync_with_stdio(false);
     try {
         return VelmaraCommand::_run(argc, argv);
     } catch (std::exception const& error) {
-        std::fprintf(stderr, "velmara: %s\n", error.what());
+        std::cerr << std::string("velmara: ") + error.what() + '\n';
         return VelmaraCommand::WrongUseOrUnreadable;
     }
 }

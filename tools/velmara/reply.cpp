@@ -54,11 +54,10 @@ void _showText(std::string const& line, SMTP::Response const& reply)
 
 int _classify(Options const& options)
 {
-    for (std::string const& line : linesOf(options.lines)) {
+    return forEachLine(options.lines, [&](std::string const& line) {
         SMTP::Response const reply(line);
         options.json ? _showJson(line, reply) : _showText(line, reply);
-    }
-    return Done;
+    });
 }
 
 } // namespace
