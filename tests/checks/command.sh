@@ -101,7 +101,7 @@ holds out "samples/newsletter.eml: message/rfc822, code 7" "the installed type d
 expect "links" 0 "$velmara" links 'see http://www.bank.example@0x7f.1/login'
 holds out "$(printf '127.0.0.1\thttp://www.bank.example@0x7f.1/login')" "links"
 expect "links as json" 0 "$velmara" links --json 'mailto:ann@reader.example'
-holds out '{"uri":"mailto:ann@reader.example","scheme":"mailto","host":"reader.example"}' "links as json"
+holds out '"uri":"mailto:ann@reader.example","scheme":"mailto","host":"reader.example"}' "links as json"
 expect "replies" 0 "$velmara" reply '550 5.7.1 Not today' '199 x'
 holds out "class 5, category 5, detail 0, enhanced 5.7.1: 550 5.7.1 Not today" "replies"
 holds out "not valid: 199 x" "replies"

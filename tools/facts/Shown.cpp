@@ -3,7 +3,6 @@
 #include <unistd.h>
 
 #include <cstdlib>
-#include <iostream>
 
 #include <velmara/EncodedWord.h>
 
@@ -45,16 +44,6 @@ std::string decoded(std::string const& value)
 {
     Velmara::Buffer const utf8 = Velmara::stringToUtf8(value, nullptr);
     return std::string(reinterpret_cast<char const*>(utf8.data()), utf8.length());
-}
-
-void setIfAny(Json& json, char const* field, std::string const& text)
-{
-    if (!text.empty()) json[field] = text;
-}
-
-void writeJsonLine(Json const& value)
-{
-    std::cout << value.dump(-1, ' ', false, Json::error_handler_t::replace) << '\n';
 }
 
 bool colourWanted()

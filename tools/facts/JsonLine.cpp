@@ -1,0 +1,204 @@
+// Text is judged while it is written: bytes that stand for themselves are copied in runs, and only a byte
+// outside of them is looked at as a character. Whether something was lost is known at the end of the
+// string, so its Base64 follows the field at once, and nothing is read twice that lost nothing.
+#include "JsonLine.h"
+
+#include <algorithm>
+#include <iostream>
+#include <string_view>
+
+#include <velmara/Buffer.h>
+
+#include "Fingerprint.h"
+#include "Utf8.h"
+
+namespace VelmaraCommand {
+
+namespace {
+
+bool _standsForItself(char c)
+{
+    return c >= ' ' && c < 0x7F && c != '"' && c != '\\'; // bytes above 0x7F are negative or not below it
+}
+
+size_t _lengthOfRun(std::string_view text)
+{
+    size_t n = 0;
+    while (n < text.size() && _standsForItself(text[n])) ++n;
+    return n;
+}
+
+/// Of a control character, or another of the basic plane.
+void _appendEscape(std::string& out, char32_t character)
+{
+    constexpr char digits[] = "0123456789abcdef";
+    out += "\\u";
+    for (int shift = 12; shift >= 0; shift -= 4) out += digits[character >> shift & 15];
+}
+
+void _appendCharacter(std::string& out, std::string_view bytes, char32_t character)
+{
+    switch (character) {
+    case '"':
+        out += "\\\"";
+        return;
+    case '\\':
+        out += "\\\\";
+        return;
+    case '\n':
+        out += "\\n";
+        return;
+    case '\r':
+        out += "\\r";
+        return;
+    case '\t':
+        out += "\\t";
+        return;
+    default:
+        break;
+    }
+    if (steersText(character))
+        _appendEscape(out, character);
+    else
+        out += bytes;
+}
+
+/// The character or byte that a text begins with; tells its length. False if it is a byte without a character.
+bool _appendFirst(std::string& out, std::string_view text, size_t& length)
+{
+    Utf8Character const character = firstCharacter(text);
+    length = character.length == 0 ? 1 : character.length;
+    if (character.length == 0)
+        out += "\xEF\xBF\xBD";
+    else
+        _appendCharacter(out, text.substr(0, length), character.value);
+    return character.length != 0;
+}
+
+/// True if all of it could be written.
+bool _appendString(std::string& out, std::string_view text)
+{
+    bool whole = true;
+    out += '"';
+    while (!text.empty()) {
+        size_t length = _lengthOfRun(text);
+        if (length > 0)
+            out += text.substr(0, length);
+        else
+            whole = _appendFirst(out, text, length) && whole;
+        text.remove_prefix(length);
+    }
+    out += '"';
+    return whole;
+}
+
+bool _isUtf8(std::string_view text)
+{
+    while (!text.empty()) {
+        size_t const n = std::max<size_t>(_lengthOfRun(text), firstCharacter(text).length);
+        if (n == 0) return false;
+        text.remove_prefix(n);
+    }
+    return true;
+}
+
+void _appendBase64(std::string& out, std::string const& bytes)
+{
+    out += '"';
+    out += Velmara::Buffer(bytes.data(), static_cast<unsigned int>(bytes.size()), false).toBase64String();
+    out += '"';
+}
+
+/// What an array lost, element by element.
+void _appendLost(std::string& out, Json const& array)
+{
+    char before = '[';
+    for (Json const& element : array) {
+        out += before;
+        before = ',';
+        if (element.is_array() && !element.empty())
+            _appendLost(out, element);
+        else if (element.is_string() && !_isUtf8(element.get_ref<std::string const&>()))
+            _appendBase64(out, element.get_ref<std::string const&>());
+        else
+            out += "null";
+    }
+    out += ']';
+}
+
+bool _appendValue(std::string& out, Json const& value);
+
+bool _appendArray(std::string& out, Json const& array)
+{
+    bool whole = true;
+    char const* separator = "";
+    out += '[';
+    for (Json const& element : array) {
+        out += separator;
+        separator = ",";
+        whole = _appendValue(out, element) && whole;
+    }
+    out += ']';
+    return whole;
+}
+
+void _appendFields(std::string& out, Json const& object, char const* separator)
+{
+    for (auto const& [name, value] : object.items()) {
+        out += separator;
+        separator = ",";
+        _appendString(out, name);
+        out += ':';
+        if (_appendValue(out, value)) continue;
+        out += ',';
+        _appendString(out, name + "Base64");
+        out += ':';
+        value.is_array() ? _appendLost(out, value) : _appendBase64(out, value.get_ref<std::string const&>());
+    }
+}
+
+/// False if bytes of it were lost for which a place beside is needed; an object has it within.
+bool _appendValue(std::string& out, Json const& value)
+{
+    switch (value.type()) {
+    case Json::value_t::string:
+        return _appendString(out, value.get_ref<std::string const&>());
+    case Json::value_t::array:
+        return _appendArray(out, value);
+    case Json::value_t::object:
+        out += '{';
+        _appendFields(out, value, "");
+        out += '}';
+        return true;
+    default:
+        out += value.dump();
+        return true;
+    }
+}
+
+} // namespace
+
+void setIfAny(Json& json, char const* field, std::string const& text)
+{
+    if (!text.empty()) json[field] = text;
+}
+
+void appendJsonLine(std::string& out, Json const& object)
+{
+    out += "{\"schema\":\"";
+    out += jsonSchema;
+    out += "\",\"fingerprint\":\"";
+    out += fingerprint();
+    out += '"';
+    _appendFields(out, object, ",");
+    out += "}\n";
+}
+
+void writeJsonLine(Json const& object)
+{
+    std::string line;
+    appendJsonLine(line, object);
+    std::cout << line;
+}
+
+} // namespace VelmaraCommand
