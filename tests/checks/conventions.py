@@ -3,6 +3,7 @@
 NO_COLOR, quiet ends by signals, complaints about a full disk. The verbs are those that `velmara --help`
 lists, so a new one is held to the same."""
 import fcntl
+import itertools
 import os
 import pathlib
 import pty
@@ -67,9 +68,10 @@ class Verb:
         self.example = re.search(r"^Example: (velmara %s\b.*)" % re.escape(name), text, re.M)
 
     def words(self):
-        """Of the example, without the file that the shell would write."""
-        words = shlex.split(self.example.group(1))[1:]
-        return words[:words.index(">")] if ">" in words else words
+        """Of the example, without what the shell would do beside."""
+        reader = shlex.shlex(self.example.group(1), posix=True, punctuation_chars=True)
+        reader.whitespace_split = True
+        return list(itertools.takewhile(lambda word: not set(word) <= set("<>|;&"), reader))[1:]
 
     def writes(self):
         return "-o" in self.words()
