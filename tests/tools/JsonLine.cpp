@@ -45,7 +45,10 @@ INSTANTIATE_TEST_SUITE_P(
                     TextRow{"OtherCharactersAsTheyAre", "\xC3\xA9\xE2\x82\xAC\xF0\x9F\x98\x80",
                             "\"\xC3\xA9\xE2\x82\xAC\xF0\x9F\x98\x80\""},
                     TextRow{"LostByteStandsBeside", "a\xFF", "\"a\xEF\xBF\xBD\",\"xBase64\":\"Yf8=\""},
-                    TextRow{"EachLostByteCounts", "\xE2\x82", "\"\xEF\xBF\xBD\xEF\xBF\xBD\",\"xBase64\":\"4oI=\""},
+                    TextRow{"CutCharacterIsOneMark", "\xE2\x82", "\"\xEF\xBF\xBD\",\"xBase64\":\"4oI=\""},
+                    TextRow{"CutCharacterOfFourBytes", "\xF0\x9F\x98x", "\"\xEF\xBF\xBDx\",\"xBase64\":\"8J+YeA==\""},
+                    TextRow{"LongFormIsAMarkForEachByte", "\xE0\x80\xAF",
+                            "\"\xEF\xBF\xBD\xEF\xBF\xBD\xEF\xBF\xBD\",\"xBase64\":\"4ICv\""},
                     TextRow{"Surrogate", "\xED\xA0\x80",
                             "\"\xEF\xBF\xBD\xEF\xBF\xBD\xEF\xBF\xBD\",\"xBase64\":\"7aCA\""},
                     TextRow{"ReplacementOfItsOwnLosesNothing", "\xEF\xBF\xBD", "\"\xEF\xBF\xBD\""}),
@@ -75,6 +78,21 @@ TEST(JsonLine, OtherValues)
                           {"e", 0.5},
                           {"f", Json::array()},
                           {"g", Json::object()}}));
+}
+
+/// A reader that decodes the bytes by itself gets the same text.
+TEST(JsonLine, MarksAreThoseOfOtherPrograms)
+{
+    for (unsigned int i = 0; i < 1u << 20; ++i) {
+        constexpr char const bytes[] = "a\x80\xA0\xBF\xC1\xC2\xE0\xE2\xED\xF0\xF1\xF4\xF5\xFF\xC3\x90";
+        std::string text;
+        for (unsigned int rest = i; text.size() < 5; rest >>= 4) text += bytes[rest & 15];
+        std::string line;
+        appendJsonLine(line, Json{{"x", text}});
+        std::string const other = Json{{"x", text}}.dump(-1, ' ', false, Json::error_handler_t::replace);
+        ASSERT_EQ(Json::parse(other)["x"], Json::parse(line)["x"]) << i;
+        i += 10; // one in eleven
+    }
 }
 
 TEST(JsonLine, NameOfAFieldIsAlwaysUtf8)

@@ -63,11 +63,23 @@ void _appendCharacter(std::string& out, std::string_view bytes, char32_t charact
         out += bytes;
 }
 
-/// The character or byte that a text begins with; tells its length. False if it is a byte without a character.
+/// Of what a character could have begun with, as everyone counts it: the cut "\xE2\x82" is one mark.
+size_t _lengthOfLost(std::string_view text)
+{
+    auto const byte = [&](size_t i) { return i < text.size() ? static_cast<unsigned char>(text[i]) : 0; };
+    int const first = byte(0);
+    size_t const most = first < 0xC2 || first > 0xF4 ? 1 : first < 0xE0 ? 1 : first < 0xF0 ? 2 : 3;
+    int const from = first == 0xE0 ? 0xA0 : first == 0xF0 ? 0x90 : 0x80;
+    int const to = first == 0xED ? 0x9F : first == 0xF4 ? 0x8F : 0xBF;
+    if (most == 1 || byte(1) < from || byte(1) > to) return 1;
+    return most == 3 && (byte(2) & 0xC0) == 0x80 ? 3 : 2;
+}
+
+/// Tells how much it took. False if that was no character.
 bool _appendFirst(std::string& out, std::string_view text, size_t& length)
 {
     Utf8Character const character = firstCharacter(text);
-    length = character.length == 0 ? 1 : character.length;
+    length = character.length == 0 ? _lengthOfLost(text) : character.length;
     if (character.length == 0)
         out += "\xEF\xBF\xBD";
     else

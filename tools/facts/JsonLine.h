@@ -6,8 +6,8 @@
 
 /// JSON for programs: one object a line, in the schema that docs/json.md describes.
 ///
-/// Lines are valid UTF-8 whatever a mail holds. A byte that belongs to no character comes out as
-/// U+FFFD, and then the bytes stand beside in Base64: of the field "name" in "nameBase64"; of an array
+/// Lines are valid UTF-8 whatever a mail holds. What is no character comes out as U+FFFD, and then the
+/// bytes of the whole text stand beside in Base64: of the field "name" in "nameBase64"; of an array
 /// of strings in an array of the same length with null for each element that lost nothing. Characters
 /// that would steer a terminal are written as \u escapes, which are the same to a reader of JSON.
 ///

@@ -16,7 +16,7 @@ namespace {
 
 void _writeJson(std::vector<VectorOutcome> const& outcomes)
 {
-    Json json{{"fingerprint", fingerprint()}, {"components", Json::array()}, {"vectors", Json::array()}};
+    Json json{{"components", Json::array()}, {"vectors", Json::array()}};
     for (Component const& one : components()) json["components"].push_back({{"name", one.name}, {"value", one.value}});
     for (VectorOutcome const& one : outcomes)
         json["vectors"].push_back(
