@@ -14,6 +14,7 @@
 #include <velmara/Velmara.h>
 
 #include "WordSource.h"
+#include "manual/Manual.h"
 
 namespace VelmaraDict {
 namespace {
@@ -163,9 +164,20 @@ void _build(Options const& options)
     directory.moveToPlace();
 }
 
+VelmaraManual::Manual _manual()
+{
+    return {VELMARA_VERSION,
+            {{"EXIT STATUS",
+              {{"0", "The directory is there."},
+               {"2", "Wrong use, or an input that cannot be read. Nothing is left behind, and a directory that was "
+                     "there before stays."}}},
+             {"SEE ALSO", {{"velmara(1)", "The command that reads mail with these lists."}}}}};
+}
+
 int _run(int argc, char** argv)
 {
     CLI::App commandLine("Builds the directory of word lists for semantic tokens.", "velmara-dict");
+    commandLine.set_version_flag("--version", "velmara-dict " VELMARA_VERSION, "Print the version and exit");
     Options options;
     commandLine.add_option("--out", options.out, "The directory to make, in place of one that is there")->required();
     commandLine.add_option("--tags", options.tags, "Names of HTML tags, one a line, for html.dict");
@@ -175,6 +187,7 @@ int _run(int argc, char** argv)
     commandLine.footer("Formats: plain, hunspell, dictd, edict.\n"
                        "Example: velmara-dict --out dict --tags data/html-tags.txt \\\n"
                        "           --words e2i.idx=plain:/usr/share/dict/words");
+    if (VelmaraManual::printed(commandLine, _manual(), argc, argv)) return 0;
     try {
         commandLine.parse(argc, argv);
     } catch (CLI::ParseError const& error) {

@@ -10,11 +10,16 @@
 #include <string>
 #include <system_error>
 
+#include <velmara/Installation.h>
+
 #include "Input.h"
 #include "Verb.h"
+#include "manual/Manual.h"
 
 namespace VelmaraCommand {
 namespace {
+
+using Velmara::Installation;
 
 /// In the order in which `--help` shows them.
 constexpr AddVerb _verbs[] = {
@@ -64,15 +69,41 @@ void _describe(CLI::App& commandLine)
         "Example: velmara tree mail.eml");
 }
 
-int _run(int argc, char** argv)
+/// What the man page has beyond the options.
+VelmaraManual::Manual _manual()
 {
-    CLI::App commandLine("Shows what a mail is made of. Broken mail is read like any other.", "velmara");
+    return {
+        VELMARA_VERSION,
+        {{"EXIT STATUS",
+          {{"0", "Done. A broken mail alone is never an error."},
+           {"1", "Done, with findings or with messages that failed."},
+           {"2", "Wrong use, an input that could not be read, or an output that could not be written. Each file "
+                 "that cannot be read gets one line on standard error, and the others are still done."}}},
+         {"ENVIRONMENT",
+          {{"NO_COLOR", "If it is set and not empty, no colour is used. Colour is for terminals only."}}},
+         {"FILES",
+          {{Installation::typeDatabase(), "The database of file types."},
+           {Installation::magicFile(), "The tests of the older detector of file types."},
+           {Installation::wordDirectory(), "The word lists of the semantic tokens, as velmara-dict(1) makes them."}}},
+         {"SEE ALSO", {{"velmara-dict(1)", "The builder of word lists."}}}}};
+}
+
+/// The command line with all its verbs.
+void _fill(CLI::App& commandLine, Action& action)
+{
     _describe(commandLine);
-    Action action;
     for (AddVerb add : _verbs) add(commandLine, action);
     for (CLI::App* verb : commandLine.get_subcommands({}))
         for (CLI::Option* option : verb->get_options())
             if (option->get_positional()) option->type_name(""); // its own name says it
+}
+
+int _run(int argc, char** argv)
+{
+    CLI::App commandLine("Shows what a mail is made of. Broken mail is read like any other.", "velmara");
+    Action action;
+    _fill(commandLine, action);
+    if (VelmaraManual::printed(commandLine, _manual(), argc, argv)) return _afterFlush(Done);
     try {
         commandLine.parse(argc, argv);
     } catch (CLI::ParseError const& error) {
