@@ -454,7 +454,6 @@ constexpr char _turnedHeader[] = "turned-header";
 
 // ---- what there can be several of ---------------------------------------------------------------
 
-/// "www." in front makes no other host of it.
 bool _isSameSite(std::string_view a, std::string_view b)
 {
     constexpr std::string_view www = "www.";
@@ -468,9 +467,8 @@ void _addHosts(PartFacts const& part, std::vector<Finding>& findings)
     constexpr size_t most = 16; // of one part
     size_t count = 0;
     for (Link const& link : part.html->links) {
-        auto const other = std::find_if(link.otherHosts.begin(), link.otherHosts.end(),
-                                        [&](std::string const& host) { return !_isSameSite(host, link.host); });
-        if (other == link.otherHosts.end()) continue;
+        std::string const* const other = pretendedHost(link);
+        if (!other) continue;
         if (++count > most) return;
         findings.push_back(Finding{_hostMismatch, part.path, part.body,
                                    "shows " + shown(*other) + " and leads to " +
@@ -498,6 +496,13 @@ void _addSender(Address const& sender, Span const& where, std::vector<Finding>& 
 }
 
 } // namespace
+
+std::string const* pretendedHost(Link const& link)
+{
+    auto const other = std::find_if(link.otherHosts.begin(), link.otherHosts.end(),
+                                    [&](std::string const& host) { return !_isSameSite(host, link.host); });
+    return other == link.otherHosts.end() ? nullptr : &*other;
+}
 
 void addPartFindings(PartFacts const& part, PartContext const& context, HeaderContainer const& headers,
                      std::vector<Finding>& findings)

@@ -45,6 +45,10 @@ void addMessageFindings(MessageFacts& facts);
 /// Brings findings into the order of the parts.
 void sortFindings(MessageFacts& facts);
 
+/// The host that the text of a link names instead of the one that it reaches; null if there is none.
+/// "www." in front makes no other host.
+std::string const* pretendedHost(Link const& link);
+
 /// All codes that there are.
 std::vector<std::string> findingCodes();
 

@@ -22,6 +22,7 @@
 #include <velmara/Uri.h>
 
 #include "TokenText.h"
+#include "Utf8.h"
 
 namespace VelmaraCommand {
 
@@ -95,7 +96,7 @@ public:
         if (!node->content) return;
         std::string text = reinterpret_cast<char const*>(node->content);
         Run::View const view = present();
-        if (!isLayout(text)) (view == Run::Visible ? m_facts.visibleBytes : m_facts.hiddenBytes) += text.size();
+        if (!isBlank(text)) (view == Run::Visible ? m_facts.visibleBytes : m_facts.hiddenBytes) += text.size();
         if (view == Run::Visible && m_firstOfAnchor < m_endOfAnchor) m_anchorText += text;
         if (m_wanted.runs) m_facts.runs.push_back(runOf(std::move(text), view));
     }
@@ -279,6 +280,21 @@ std::string folded(std::string const& text)
 bool isLayout(std::string const& text)
 {
     return std::all_of(text.begin(), text.end(), _isSpace);
+}
+
+bool isBlank(std::string_view text)
+{
+    constexpr char32_t invisible[] = {0xA0, 0xAD, 0x34F, 0x200B, 0x200C, 0x200D, 0x2060, 0xFEFF};
+    for (Utf8Character c; !text.empty(); text.remove_prefix(c.length)) {
+        if (_isSpace(text.front())) {
+            c.length = 1;
+            continue;
+        }
+        c = firstCharacter(text);
+        if (c.length == 0 || std::find(std::begin(invisible), std::end(invisible), c.value) == std::end(invisible))
+            return false;
+    }
+    return true;
 }
 
 } // namespace VelmaraCommand

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <string>
+#include <string_view>
 
 #include <velmara/MediaIn.h>
 
@@ -43,5 +44,7 @@ Json jsonOf(ShownImage const& image);
 std::string folded(std::string const& text);
 /// Nothing but white space: layout of the source.
 bool isLayout(std::string const& text);
+/// Nothing that anybody would see: white space, and characters that show as nothing else.
+bool isBlank(std::string_view text);
 
 } // namespace VelmaraCommand

@@ -61,7 +61,7 @@ struct HtmlFacts {
     std::vector<Run> runs;
     std::vector<Link> links;
     std::vector<ShownImage> images;
-    std::uint64_t visibleBytes = 0, hiddenBytes = 0; // of the text nodes that are not white space alone
+    std::uint64_t visibleBytes = 0, hiddenBytes = 0; // of the text nodes that are not all blank
 };
 
 struct SignatureFacts {

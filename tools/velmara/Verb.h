@@ -18,8 +18,10 @@ using AddVerb = void (*)(CLI::App& commandLine, Action& action);
 
 void addBody(CLI::App& commandLine, Action& action);
 void addDecode(CLI::App& commandLine, Action& action);
+void addExplain(CLI::App& commandLine, Action& action);
 void addHeaders(CLI::App& commandLine, Action& action);
 void addHtml(CLI::App& commandLine, Action& action);
+void addInspect(CLI::App& commandLine, Action& action);
 void addLinks(CLI::App& commandLine, Action& action);
 void addNames(CLI::App& commandLine, Action& action);
 void addReply(CLI::App& commandLine, Action& action);
