@@ -76,6 +76,24 @@ class Verb:
     def writes(self):
         return "-o" in self.words()
 
+    def needs_output(self):
+        return bool(re.search(rb"^ +-o\b.*REQUIRED", self.help.stdout, re.M))
+
+    def output(self):
+        """What a call has to have beside its input."""
+        return ["-o", "output"] if self.needs_output() else []
+
+    def printing(self):
+        """The words of the example, so that it writes to standard output."""
+        words = self.words()
+        if self.writes():
+            del words[words.index("-o"):words.index("-o") + 2]
+        return words
+
+    def mail(self):
+        """A file that it can read, whose name begins like an option."""
+        return "-x.ndjson" if self.name == "group" else "-x.eml"
+
     def reads(self):
         return [name for name in self.positionals if name in INPUTS][:1] if self.name != "names" else []
 
@@ -97,7 +115,8 @@ def files_of_examples(folder):
     for path in SAMPLES:
         shutil.copy(path, folder / "archive")
     if "scan" in verbs():
-        (folder / "archive.ndjson").write_bytes(run("scan", "archive.mbox", cwd=folder).stdout)
+        for name in ("archive.ndjson", "-x.ndjson"):
+            (folder / name).write_bytes(run("scan", "archive.mbox", cwd=folder).stdout)
 
 
 def check_help(verb):
@@ -125,16 +144,14 @@ def check_wrong_use(verb):
 def check_input(verb, folder):
     if not verb.reads():
         return
-    with open(folder / "-x.eml", "rb") as mail:
-        done = run(verb.name, "-", *verb.further(), stdin=mail, cwd=folder)
-    claim(done.returncode in (0, 1) and not done.stderr, "%s -: reads standard input" % verb.name, done)
-    done = run(verb.name, "--", "-x.eml", *verb.further(), cwd=folder)
+    for words in (["-"], ["--", "-"]):
+        with open(folder / verb.mail(), "rb") as mail:
+            done = run(verb.name, *verb.output(), *words, *verb.further(), stdin=mail, cwd=folder)
+        claim(done.returncode in (0, 1) and not done.stderr, "%s %s: reads standard input" % (verb.name, words), done)
+    done = run(verb.name, *verb.output(), "--", verb.mail(), *verb.further(), cwd=folder)
     claim(done.returncode in (0, 1) and not done.stderr, "%s --: what follows is no option" % verb.name, done)
-    with open(folder / "-x.eml", "rb") as mail:
-        done = run(verb.name, "--", "-", *verb.further(), stdin=mail, cwd=folder)
-    claim(done.returncode in (0, 1) and not done.stderr, "%s -- -: reads standard input" % verb.name, done)
     unreadable = os.open(folder, os.O_RDONLY)
-    done = run(verb.name, "-", *verb.further(), stdin=unreadable, cwd=folder)
+    done = run(verb.name, *verb.output(), "-", *verb.further(), stdin=unreadable, cwd=folder)
     os.close(unreadable)
     claim(done.returncode == 2 and b"directory" in done.stderr, "%s: standard input that cannot be read" % verb.name, done)
 
@@ -142,19 +159,19 @@ def check_input(verb, folder):
 def check_missing_file(verb, folder):
     if not set(verb.reads()) & {"FILE", "PATH"}:
         return
-    done = run(verb.name, "/nowhere/a\033.eml", *verb.further(), cwd=folder)
+    done = run(verb.name, *verb.output(), "/nowhere/a\033.eml", *verb.further(), cwd=folder)
     claim(done.returncode == 2, "%s: a missing file has status 2" % verb.name, done)
     claim(b"/nowhere/a\\x1B.eml: No such file" in done.stderr, "%s: a missing file is named" % verb.name, done)
     claim(b"\033" not in done.stderr, "%s: a name of a file moves no cursor" % verb.name, done)
 
 
 def check_broken_mail(verb, folder):
-    if "FILE" not in verb.reads() or verb.writes() or verb.name == "group":  # which reads results of scan
+    if "FILE" not in verb.reads() or verb.name == "group":  # which reads results of scan
         return
     for name, mail in (("nothing", b""), ("zeros", bytes(300)), ("bytes", bytes(range(256)) * 9),
                        ("a cut header", b"Content-Type: multipart/mixed; boundary=a\n\n--a\nContent-T")):
         (folder / "broken.eml").write_bytes(mail)
-        done = run(verb.name, "broken.eml", *verb.further(), cwd=folder)
+        done = run(verb.name, *verb.output(), "broken.eml", *verb.further(), cwd=folder)
         claim(done.returncode in (0, 1) or (verb.name == "body" and b"part 1 is a multipart" in done.stderr),
               "%s: a mail of %s is no error" % (verb.name, name), done)
 
@@ -165,7 +182,9 @@ def check_full_disk(verb, folder):
         words[words.index("-o") + 1] = "/dev/full/no-folder"
         done = run(*words, cwd=folder)
         claim(done.returncode == 2 and b"/dev/full/no-folder" in done.stderr, "%s: a file that cannot be written" % verb.name, done)
+    if verb.needs_output():
         return
+    words = verb.printing()
     with open("/dev/full", "wb") as full:
         done = run(*words, cwd=folder, stdout=full)
     claim(done.returncode == 2, "%s on a full disk has status 2" % verb.name, done)
@@ -175,11 +194,11 @@ def check_full_disk(verb, folder):
 
 
 def check_broken_pipe(verb, folder):
-    if verb.writes():
+    if verb.needs_output():
         return
     reader, writer = os.pipe()
     os.close(reader)
-    done = run(*verb.words(), cwd=folder, stdout=writer)
+    done = run(*verb.printing(), cwd=folder, stdout=writer)
     os.close(writer)
     claim(done.returncode == -signal.SIGPIPE and not done.stderr, "%s ends quietly with its reader" % verb.name, done)
 
@@ -197,7 +216,7 @@ def end_by_interrupt(process, what):
 def check_interrupt(verb, folder):
     if not verb.reads():
         return
-    process = subprocess.Popen([VELMARA, verb.name, "-", *verb.further()], cwd=folder, stdin=subprocess.PIPE,
+    process = subprocess.Popen([VELMARA, verb.name, *verb.output(), "-", *verb.further()], cwd=folder, stdin=subprocess.PIPE,
                                stdout=subprocess.DEVNULL, stderr=subprocess.PIPE)
     process.stdin.write(b"Subject: a\n\nhalf of a mail")
     process.stdin.flush()
@@ -237,10 +256,10 @@ def on_terminal(words, folder, **environment):
 
 
 def check_colour(verb, folder):
-    claim(b"\033[3" not in on_terminal(verb.words(), folder, NO_COLOR="1") and
-          b"\033[2m" not in on_terminal(verb.words(), folder, NO_COLOR="1"), "%s: NO_COLOR forbids colour" % verb.name)
-    if not verb.writes():
-        claim(b"\033" not in run(*verb.words(), cwd=folder).stdout, "%s: no colour on a pipe" % verb.name)
+    words = verb.words() if verb.needs_output() else verb.printing()
+    forbidden = on_terminal(words, folder, NO_COLOR="1")
+    claim(not re.search(rb"\033\[[0-9;]*m", forbidden), "%s: NO_COLOR forbids colour" % verb.name, forbidden)
+    claim(b"\033" not in run(*words, cwd=folder).stdout, "%s: no colour on a pipe" % verb.name)
 
 
 def check_command():

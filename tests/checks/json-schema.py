@@ -199,10 +199,10 @@ def check_scan(files, folder):
         list(check_lines("scan", output_of("scan", *words, cwd=folder), "scan " + " ".join(words)))
 
 
-def check_all_fields_came_up():
+def check_all_fields_came_up(but):
     for name, definition in DEFINITIONS.items():
         for field in definition.get("properties", {}):
-            if (name, field) not in seen:
+            if (name, field) not in seen and field not in but:
                 complain("no line had", field, "of", name)
 
 
@@ -284,7 +284,7 @@ def main():
                 check_verb(verb, files, folder)
             else:
                 complain(verb, "is not in docs/velmara.schema.json")
-    check_all_fields_came_up()
+    check_all_fields_came_up([] if "scan" in DEFINITIONS else ["bodyLengthKnown"])  # of messages that are cut
     return 1 if failures else 0
 
 
