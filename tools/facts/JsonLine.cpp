@@ -4,6 +4,7 @@
 #include "JsonLine.h"
 
 #include <algorithm>
+#include <cstdint>
 #include <iostream>
 #include <string_view>
 
@@ -16,16 +17,22 @@ namespace VelmaraCommand {
 
 namespace {
 
-bool _standsForItself(char c)
-{
-    return c >= ' ' && c < 0x7F && c != '"' && c != '\\'; // bytes above 0x7F are negative or not below it
-}
+/// Which bytes are written as they are, whatever stands around them.
+struct Plain {
+    constexpr Plain() : is()
+    {
+        for (int c = ' '; c < 0x7F; ++c) is[c] = c != '"' && c != '\\';
+    }
+    bool is[256];
+};
+constexpr Plain _plain;
 
 size_t _lengthOfRun(std::string_view text)
 {
-    size_t n = 0;
-    while (n < text.size() && _standsForItself(text[n])) ++n;
-    return n;
+    char const* at = text.data();
+    char const* const end = at + text.size();
+    while (at != end && _plain.is[static_cast<unsigned char>(*at)]) ++at;
+    return static_cast<size_t>(at - text.data());
 }
 
 /// Of a control character, or another of the basic plane.
@@ -95,7 +102,7 @@ bool _appendString(std::string& out, std::string_view text)
     while (!text.empty()) {
         size_t length = _lengthOfRun(text);
         if (length > 0)
-            out += text.substr(0, length);
+            out.append(text.data(), length);
         else
             whole = _appendFirst(out, text, length) && whole;
         text.remove_prefix(length);
