@@ -176,7 +176,8 @@ Base64Decoded base64Decode(unsigned char const* in, size_t n, unsigned char* out
         if (kind == Base64Space) continue;
         if (kind == Base64Foreign) return {read, written, false};
         if (kind == Base64Padding) {
-            // What the padded group lacks has to be padding as well.
+            // What the padded group lacks is filled up by any letters, padding or not: all that counts is that
+            // there are as many as a group has.
             int missing = 3 - group.letters;
             while (missing > 0 && read < n && base64Kinds[in[read]] != Base64Foreign)
                 if (base64Kinds[in[read++]] != Base64Space) --missing;

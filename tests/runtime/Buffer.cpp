@@ -273,6 +273,8 @@ TEST(Buffer, DecodesBase64)
         {"QUJDQU", "ABC", true},
         {"QUJDQ", "ABC", true},
         {"QQ=", "", true},
+        {"QQ=A", "A", false}, // the length is a multiple of 4, and decoding has ended
+        {"QQ=*", "", true},
         {"====", "", false},
         {"Q===", "", false},
     };
