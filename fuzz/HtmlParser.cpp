@@ -12,7 +12,7 @@ using namespace Velmara;
 
 namespace {
 
-constexpr size_t longest = 12000;
+constexpr size_t longest = 7000; // pieces of two sizes
 
 /// The events in one line.
 class Events : public HTML::Builder {
@@ -45,7 +45,7 @@ bool wholePasses(Events& builder, std::string const& html, char const* charset, 
 {
     size_t offset = 0;
     for (int pass = 0; offset < html.size(); ++pass) {
-        if (pass == 300 || builder.seen.size() > 4000000) return false;
+        if (pass == 60 || builder.seen.size() > 4000000) return false;
         HTML::Parser parser(builder, ignoreEncoding);
         parser.parse(html.data() + offset, static_cast<unsigned>(html.size() - offset), charset);
         if (parser.eof() || parser.gcount() == 0) break;
