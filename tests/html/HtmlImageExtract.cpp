@@ -1,3 +1,4 @@
+#include <libxml/tree.h>
 #include <velmara/HtmlImageExtract.h>
 
 #include <gtest/gtest.h>
@@ -89,6 +90,28 @@ TEST(HtmlImageExtract, ABackgroundIsAlwaysTheFirstInItsRun)
     extract.registerImage("ab", 0, 0, false);
     extract.registerImage("cd", 0, 0, true);
     EXPECT_TRUE(properties.images()[1]->firstInRun);
+}
+
+// No element of HTML has such a name, but whoever drives the visitor may bring one.
+TEST(HtmlImageExtract, OnlyAnElementNamedLikeALinkGivesItsBackground)
+{
+    for (std::string name : {"table", "background", "SRC"}) {
+        std::string attributeName = "Background", value = "a.gif";
+        xmlNode node{}, text{};
+        xmlAttr attribute{};
+        text.type = XML_TEXT_NODE;
+        text.content = reinterpret_cast<xmlChar*>(value.data());
+        attribute.type = XML_ATTRIBUTE_NODE;
+        attribute.name = reinterpret_cast<xmlChar const*>(attributeName.c_str());
+        attribute.children = &text;
+        node.type = XML_ELEMENT_NODE;
+        node.name = reinterpret_cast<xmlChar const*>(name.c_str());
+        node.properties = &attribute;
+        TextHtmlDoc document(false);
+        ImageProperties properties(0);
+        HtmlImageExtract(&document, 0, &properties).background(&node);
+        EXPECT_EQ(name == "table" ? 0u : 1u, properties.images().size()) << name;
+    }
 }
 
 TEST(HtmlImageExtract, AfterTheEndNothingIsAdded)

@@ -167,6 +167,12 @@ INSTANTIATE_TEST_SUITE_P(
         Mail{"ALastLineWithWhiteSpaceIsOne", "A: 1\nSubject: x", {"A: 1\n", "Subject: x"}, {}}),
     ruleName);
 
+TEST(MailHeaderMedia, WithoutASourceBothViewsAreNull)
+{
+    EXPECT_TRUE(MailHeaderMedia().isNull());
+    EXPECT_TRUE(MailBodyMedia().isNull());
+}
+
 TEST(MailHeaderMedia, ALineInPiecesIsOneLine)
 {
     string const text = "Subject: 1234567890\n x\n\nbody: 1\n";

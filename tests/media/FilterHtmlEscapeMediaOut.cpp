@@ -162,6 +162,16 @@ TEST(FilterHtmlEscapeMediaOut, AttachAndDetachGiveOutWhatWaits)
     EXPECT_EQ(0, first.ends() + second.ends());
 }
 
+TEST(FilterHtmlEscapeMediaOut, TakesADownstreamLater)
+{
+    Collected out;
+    FilterHtmlEscapeMediaOut filter;
+    EXPECT_FALSE(filter.isNull());
+    filter.attach(out.media());
+    filter.write(bytes("&lt;"));
+    EXPECT_EQ("<", out.take());
+}
+
 TEST(FilterHtmlEscapeMediaOut, DestructionDropsWhatWaits)
 {
     Collected out;

@@ -119,6 +119,16 @@ TEST(FilterUTF8MediaOut, TheConverterKeepsTheDownstreamOfTheFirstWrite)
     EXPECT_EQ("d", second.take());
 }
 
+TEST(FilterUTF8MediaOut, TakesADownstreamLater)
+{
+    Collected out;
+    FilterUTF8MediaOut filter;
+    EXPECT_FALSE(filter.isNull());
+    filter.attach(out.media());
+    filter.write(bytes("\xE9"));
+    EXPECT_EQ("\xC3\xA9", out.take());
+}
+
 TEST(FilterUTF8MediaOut, ADownstreamThatThrowsDoesNotBreakDestruction)
 {
     struct Refusing : MediaOutImpl {
