@@ -1,16 +1,19 @@
 #!/usr/bin/env python3
-"""Prints what the tests reach of each unit of the library, as llvm-cov exports it in lcov's form, and fails below
-what is asked.
+"""Prints what the tests reach of each unit of the library, as llvm-cov exports it, and fails below what is asked.
 
 A unit is a source with the header of its name. Left out are functions that are constexpr and never run: the
-compiler has run them for a table or a static_assert. usage: report.py FILE.lcov
+compiler has run them for a table or a static_assert. Of a template all instances count as one.
+usage: report.py FILE.lcov FILE.json
 """
 import collections
+import json
 import pathlib
 import re
 import sys
 
 LINES, BRANCHES, LINES_OF_A_UNIT = 95.0, 90.0, 90.0
+# Units that cannot reach that, and why.
+EXPLAINED = {"hash/Contract": "runs in a process that then aborts, and so tells nothing"}
 ROOMS = ("include2", "runtime", "header", "message", "media", "charset", "semantics", "html", "hash", "filetype", "verdict")
 ROOT = pathlib.Path(__file__).resolve().parents[2]
 
@@ -20,7 +23,7 @@ class File:
         self.path = path
         self.functions = collections.Counter()  # by first line
         self.lines = collections.Counter()
-        self.branches = collections.Counter()  # by line, block and number
+        self.branches = collections.Counter()  # by place and way
 
     def done_by_compiler(self):
         """The lines of functions of which the compiler alone has asked anything."""
@@ -46,7 +49,19 @@ class File:
         return [sum(map(bool, lines)), len(lines), sum(map(bool, branches)), len(branches)]
 
 
-def read(lcov):
+def read(lcov, exported):
+    files = read_lines(lcov)
+    for entry in json.loads(pathlib.Path(exported).read_text())["data"][0]["files"]:
+        file = files.get(pathlib.Path(entry["filename"]).resolve())
+        if not file:
+            continue
+        for line, *place, true, false, _, _, _ in entry["branches"]:
+            file.branches[(line, *place, True)] += true
+            file.branches[(line, *place, False)] += false
+    return files.values()
+
+
+def read_lines(lcov):
     files = {}
     for line in pathlib.Path(lcov).read_text().splitlines():
         key, _, value = line.partition(":")
@@ -65,9 +80,7 @@ def read(lcov):
             file.functions[names[",".join(fields[1:])]] += int(fields[0])
         elif key == "DA":
             file.lines[int(fields[0])] += int(fields[1])
-        elif key == "BRDA":
-            file.branches[tuple(map(int, fields[:3]))] += 0 if fields[3] == "-" else int(fields[3])
-    return files.values()
+    return files
 
 
 def percent(covered, total):
@@ -81,7 +94,7 @@ def row(name, counts):
 
 def main():
     units, places = {}, {}
-    for file in read(sys.argv[1]):
+    for file in read(*sys.argv[1:3]):
         stem = file.path.stem
         units[stem] = [sum(pair) for pair in zip(units.get(stem, [0] * 4), file.counts())]
         if file.path.suffix == ".cpp" or stem not in places:
@@ -91,9 +104,12 @@ def main():
     for name in sorted(units):
         print(row(name, units[name]))
     print(row("total", total))
+    for name, why in EXPLAINED.items():
+        print(f"{name} {why}")
 
     failures = [f"{name}: below {LINES_OF_A_UNIT} % of lines"
-                for name, counts in sorted(units.items()) if percent(*counts[:2]) < LINES_OF_A_UNIT]
+                for name, counts in sorted(units.items())
+                if name not in EXPLAINED and percent(*counts[:2]) < LINES_OF_A_UNIT]
     if percent(*total[:2]) < LINES:
         failures.append(f"total: below {LINES} % of lines")
     if percent(*total[2:]) < BRANCHES:

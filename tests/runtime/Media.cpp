@@ -60,7 +60,7 @@ private:
     size_t m_at = 0;
 };
 
-enum Kind { Memory, CallersMemory, File, Defaults };
+enum Kind { Memory, MemoryOfABuffer, CallersMemory, File, Defaults };
 
 /// The same rules hold for every stream.
 class AnyMediaIn : public testing::TestWithParam<Kind> {
@@ -72,6 +72,8 @@ protected:
         switch (GetParam()) {
         case Memory:
             return BufferMediaIn(bytes);
+        case MemoryOfABuffer:
+            return BufferMediaIn(Buffer(bytes.data(), static_cast<unsigned int>(bytes.size()), true));
         case CallersMemory:
             return BufferMediaIn(m_bytes.data(), m_bytes.size());
         case File:
@@ -221,7 +223,7 @@ TEST_P(AnyMediaIn, CopiesShareThePosition)
     EXPECT_EQ("b\n", _text(line));
 }
 
-INSTANTIATE_TEST_SUITE_P(Kinds, AnyMediaIn, testing::Values(Memory, CallersMemory, File, Defaults));
+INSTANTIATE_TEST_SUITE_P(Kinds, AnyMediaIn, testing::Values(Memory, MemoryOfABuffer, CallersMemory, File, Defaults));
 
 /// Positions are for memory and files alone.
 class PositionedMediaIn : public AnyMediaIn {};
@@ -251,7 +253,7 @@ TEST_P(PositionedMediaIn, PastTheEndIsTheEnd)
     EXPECT_EQ('b', in.peek());
 }
 
-INSTANTIATE_TEST_SUITE_P(Kinds, PositionedMediaIn, testing::Values(Memory, CallersMemory, File));
+INSTANTIATE_TEST_SUITE_P(Kinds, PositionedMediaIn, testing::Values(Memory, MemoryOfABuffer, CallersMemory, File));
 
 TEST(MediaInImpl, DefaultsOfTellAndSetposDoNothing)
 {
