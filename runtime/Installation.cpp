@@ -29,7 +29,7 @@ std::string Installation::icuVersion()
 std::string Installation::libxml2Version()
 {
     std::string const text = xmlParserVersion;
-    int const number = std::atoi(text.c_str());
+    long const number = std::strtol(text.c_str(), nullptr, 10);
     return std::to_string(number / 10000) + '.' + std::to_string(number / 100 % 100) + '.' +
            std::to_string(number % 100) + text.substr(std::min(text.find_first_not_of("0123456789"), text.size()));
 }
