@@ -181,7 +181,7 @@ void BinaryHasherImpl::process(Buffer const& input)
 Hasher::Hasher() : m_holder(nullptr)
 {}
 
-Hasher::Hasher(HasherImpl* impl, bool addRef) : m_holder(new RefCounted<HasherImpl>(impl, addRef))
+Hasher::Hasher(HasherImpl* impl, bool addRef) : m_holder(newRefCounted(impl, addRef))
 {}
 
 Hasher::Hasher(Hasher const& other)

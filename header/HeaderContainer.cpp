@@ -170,8 +170,7 @@ HeaderContainer::HeaderContainer(MediaIn& in) : HeaderContainer()
     m_holder->ptr->parse(in);
 }
 
-HeaderContainer::HeaderContainer(HeaderContainerImpl* impl, bool addRef)
-    : m_holder(new RefCounted<HeaderContainerImpl>(impl, addRef))
+HeaderContainer::HeaderContainer(HeaderContainerImpl* impl, bool addRef) : m_holder(newRefCounted(impl, addRef))
 {}
 
 HeaderContainer::HeaderContainer(HeaderContainer const& other)

@@ -12,13 +12,13 @@ HeaderList::~HeaderList() = default;
 
 RefHeaderList::RefHeaderList(bool create)
 {
-    if (create) holder = new RefCounted<HeaderList>(new HeaderList, false);
+    if (create) holder = newRefCounted(new HeaderList, false);
 }
 
 RefHeaderList::RefHeaderList(RefHeaderList const& other, bool deep)
 {
     if (deep && other.isNull()) throw HeaderException(__LINE__);
-    holder = deep ? new RefCounted<HeaderList>(new HeaderList, false) : new RefCounted<HeaderList>(other.get(), true);
+    holder = deep ? newRefCounted(new HeaderList, false) : newRefCounted(other.get(), true);
     if (deep) add(other.headers());
 }
 

@@ -32,7 +32,7 @@ MessageProperties::~MessageProperties() = default;
 
 RefMessageProperties::RefMessageProperties(bool create)
 {
-    if (create) holder = new RefCounted<MessageProperties>(new MessageProperties, false);
+    if (create) holder = newRefCounted(new MessageProperties, false);
 }
 
 RefMessageProperties::~RefMessageProperties() = default;

@@ -9,6 +9,7 @@
 #include <boost/function.hpp>
 #include <cstring>
 #include <cwchar>
+#include <memory>
 #include <mutex>
 #include <string_view>
 #include <thread>
@@ -178,8 +179,9 @@ bool TD::s_initConfig()
         std::lock_guard<std::mutex> const guard(once);
         config = __atomic_load_n(&pconfig, __ATOMIC_ACQUIRE);
         if (!config) {
-            config = new Config; // lives to process exit: descriptors read it without a lock
-            std::thread([config] { config->load(); }).detach();
+            auto made = std::make_unique<Config>();
+            std::thread([loaded = made.get()] { loaded->load(); }).detach();
+            config = made.release(); // lives to process exit: descriptors read it without a lock
             __atomic_store_n(&pconfig, config, __ATOMIC_RELEASE);
         }
     }
@@ -234,7 +236,8 @@ void TDProperties::addText(Buffer const& text, std::string const& charset)
 {
     if (text.size() == 0 || m_descriptors.size() >= maxDescriptors) return;
     auto const* bytes = reinterpret_cast<char const*>(text.data());
-    m_descriptors.emplace_back(new TD(std::string(bytes, ::strnlen(bytes, text.length())), charset), false);
+    Ref<TD> tokens(new TD(std::string(bytes, ::strnlen(bytes, text.length())), charset), false);
+    m_descriptors.push_back(std::move(tokens));
 }
 
 } // namespace Velmara

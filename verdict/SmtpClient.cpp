@@ -15,7 +15,7 @@ HostName _hostNameOf(std::string const& given, SocketAddress const& address)
 SmtpClient::SmtpClient() = default;
 
 SmtpClient::SmtpClient(std::string const& hostname, sockaddr const& address, bool flag)
-    : m_holder(new RefCounted<SmtpClientImpl>(new SmtpClientImpl, false))
+    : m_holder(newRefCounted(new SmtpClientImpl, false))
 {
     SmtpClientImpl& client = *m_holder->ptr;
     client.address = SocketAddress(address, flag);

@@ -62,6 +62,16 @@ public:
     T* ptr; // may be null
 };
 
+/// A new holder. A new object (`addRef` false) that finds no memory for its holder goes at once: nobody else
+/// knows of it.
+template <class T> RefCounted<T>* newRefCounted(T* p, bool addRef)
+{
+    RefCounted<T> adopted(p, addRef);
+    auto* holder = new RefCounted<T>(p, false);
+    adopted.ptr = nullptr;
+    return holder;
+}
+
 /// Makes `target` hold what `source` holds: the one routine behind the assignment of handles. Unlike
 /// the copy constructors of the plain handle classes it accepts a source that holds null. The old
 /// object goes last, since `source` may be a handle inside it, as in `node = node->next`.
@@ -80,7 +90,7 @@ public:
     /// A null handle.
     Ref() : holder(nullptr) {}
     /// New objects are wrapped with `addRef` false; see RefCounted.
-    Ref(T* p, bool addRef) : holder(new RefCounted<T>(p, addRef)) {}
+    Ref(T* p, bool addRef) : holder(newRefCounted(p, addRef)) {}
     Ref(Ref const& other) : holder(nullptr) { RefCountedImplCopy(holder, other.holder); }
     Ref& operator=(Ref const& other)
     {
