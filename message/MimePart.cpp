@@ -4,6 +4,8 @@
 // drives the parser, so all of that ends where the message ends.
 #include <velmara/MimePart.h>
 
+#include <utility>
+
 #include <velmara/ContentType.h>
 #include <velmara/DecodeMediaIn.h>
 #include <velmara/MimePartVisitor.h>
@@ -212,7 +214,9 @@ bool MimeRfc822SPart::visit(MimePartVisitor* visitor)
 Ref<MimePart>& MimeRfc822SPart::child()
 {
     if (m_parser) {
-        m_child = Ref<MimePart>(m_parser->createRfc822Msg(m_level + 1), false);
+        Ref<MimePart> child(nullptr, false); // a place first: see Rfc822MsgParser::adopt
+        child.holder->ptr = m_parser->createRfc822Msg(m_level + 1);
+        m_child = std::move(child);
         m_parser = nullptr;
     }
     return m_child;

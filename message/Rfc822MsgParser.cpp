@@ -16,6 +16,7 @@
 #include <velmara/Rfc822MsgParser.h>
 
 #include <algorithm>
+#include <memory>
 
 #include <velmara/ContentType.h>
 #include <velmara/MimePart.h>
@@ -432,20 +433,20 @@ MimePart* Rfc822MsgParser::createMultipart(HeaderContainer const& headers, Media
                                            ContentType const& type)
 {
     if (type.boundary().empty()) return createLeaf<MimeRfc822Msg>(headers, headerStream);
-    auto* part = new MimeRfc822MPart(headers, this, headerStream);
-    push(part, "--" + type.boundary() + "--", type.subtype() == ContentType::SubTypeDigest);
+    auto part = std::make_unique<MimeRfc822MPart>(headers, this, headerStream);
+    push(part.get(), "--" + type.boundary() + "--", type.subtype() == ContentType::SubTypeDigest);
     m_state |= MultipartOpened;
     endPStream();
-    m_lastPart = part;
-    return part;
+    m_lastPart = part.get();
+    return part.release();
 }
 
 MimePart* Rfc822MsgParser::createMessage(HeaderContainer const& headers, MediaIn& headerStream)
 {
-    auto* part = new MimeRfc822SPart(headers, this, headerStream);
-    m_lastPart = part;
-    push(part, std::string(), false);
-    return part;
+    auto part = std::make_unique<MimeRfc822SPart>(headers, this, headerStream);
+    push(part.get(), std::string(), false);
+    m_lastPart = part.get();
+    return part.release();
 }
 
 MimePart* Rfc822MsgParser::getNextPart(MimeRfc822MPart* parent)
@@ -492,37 +493,43 @@ bool Rfc822MsgParser::skipToDelimiter()
 MimePart* Rfc822MsgParser::createPreamble(MimeRfc822MPart* parent)
 {
     m_state = 0;
-    return adopt(parent, new MimePreamble(nextPStream()));
+    return adopt(parent, [this] { return new MimePreamble(nextPStream()); });
 }
 
 MimePart* Rfc822MsgParser::createChild(MimeRfc822MPart* parent)
 {
     m_state = 0;
-    return adopt(parent, createRfc822Msg(parent->m_level + 1));
+    return adopt(parent, [this, parent] { return createRfc822Msg(parent->m_level + 1); });
 }
 
 /// Its stream runs to a delimiter of an outer level. The parent's body ends there too.
 MimePart* Rfc822MsgParser::createEpilogue(MimeRfc822MPart* parent)
 {
     m_state = 0;
-    MimePart* epilogue = adopt(parent, new MimeEpilogue(nextPStream()));
+    MimePart* epilogue = adopt(parent, [this] { return new MimeEpilogue(nextPStream()); });
     m_lastPart = parent;
     msgPop();
     return epilogue;
 }
 
-MimePart* Rfc822MsgParser::adopt(MimeRfc822MPart* parent, MimePart* child)
+/// The child's place comes first: once the parser knows a part, nothing may fail until somebody holds it.
+template <class Create> MimePart* Rfc822MsgParser::adopt(MimeRfc822MPart* parent, Create create)
 {
-    parent->m_children.push_back(Ref<MimePart>(child, false));
-    return child;
+    parent->m_children.emplace_back(nullptr, false);
+    try {
+        return parent->m_children.back().holder->ptr = create();
+    } catch (...) {
+        parent->m_children.pop_back();
+        throw;
+    }
 }
 
 // The stream over a part.
 
 MsgParserMediaIn::MsgParserMediaIn(Rfc822MsgParser* parser) : m_parser(parser), m_in(parser->m_source.get())
 {
-    addReference(*m_in); // a handle would cost each part two more allocations
     m_start = m_end = parser->m_pushback.isEmpty() ? m_in->tell() : parser->m_linePos;
+    addReference(*m_in); // a handle would cost each part two more allocations; last, because tell() may throw
 }
 
 MsgParserMediaIn::~MsgParserMediaIn()

@@ -95,7 +95,7 @@ private:
     MimePart* createPreamble(MimeRfc822MPart* parent);
     MimePart* createChild(MimeRfc822MPart* parent);
     MimePart* createEpilogue(MimeRfc822MPart* parent);
-    MimePart* adopt(MimeRfc822MPart* parent, MimePart* child);
+    template <class Create> MimePart* adopt(MimeRfc822MPart* parent, Create create);
     bool abandonAbove(MimeRfc822MPart* parent);
     bool skipToDelimiter();
     void push(MimePart* part, std::string const& delimiter, bool digest);
