@@ -11,7 +11,6 @@
 
 #include <fcntl.h>
 #include <libxml/parser.h>
-#include <libxml/xmlerror.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -26,6 +25,7 @@
 #include "filetype/MatchReader.h"
 #include "filetype/TypeCodes.h"
 #include "runtime/Ascii.h"
+#include "runtime/QuietXml.h"
 
 namespace Velmara {
 
@@ -226,28 +226,6 @@ public:
     int const descriptor; // -1 if it could not be opened
 };
 
-/// Keeps libxml2's words on a broken file from the terminal of whoever runs the daemon. The handler is
-/// one of this thread, and gets back what it was.
-class QuietXml : private NonCopyable {
-public:
-    QuietXml() : m_handler(xmlStructuredError), m_context(xmlStructuredErrorContext)
-    {
-        xmlSetStructuredErrorFunc(this, [](void* self, xmlErrorPtr error) {
-            std::string& words = static_cast<QuietXml*>(self)->m_words;
-            if (words.empty() && error && error->message) words = error->message;
-        });
-    }
-    ~QuietXml() { xmlSetStructuredErrorFunc(m_context, m_handler); }
-
-    /// The first complaint, without its line end; "" if there was none.
-    std::string words() const { return m_words.substr(0, m_words.find('\n')); }
-
-private:
-    xmlStructuredErrorFunc m_handler;
-    void* m_context;
-    std::string m_words;
-};
-
 struct Freed {
     void operator()(xmlDoc* document) const { xmlFreeDoc(document); }
 };
@@ -263,8 +241,9 @@ using Document = std::unique_ptr<xmlDoc, Freed>;
 /// What `read` makes of a source; throws if that is no XML.
 template <class Read> Document _parsed(std::string const& source, Read read)
 {
-    QuietXml const quiet;
+    QuietXml const quiet(nullptr);
     Document document(read());
+    quiet.check();
     if (!document || !xmlDocGetRootElement(document.get())) _refuse(source, quiet.words(), __LINE__);
     return document;
 }
@@ -370,7 +349,9 @@ SharedMimeInfoImpl& SharedMimeInfoImpl::instance()
 
 void SharedMimeInfoImpl::build(_xmlDoc* document)
 {
+    QuietXml const quiet(nullptr);
     InitMimeTypeList(xmlDocGetRootElement(document));
+    quiet.check(); // an attribute for which there was no memory looks like none
     InitMimeFiletypeTable();
     buildIndexes();
 }

@@ -11,7 +11,6 @@
 
 #include <libxml/HTMLparser.h>
 #include <libxml/parserInternals.h>
-#include <libxml/xmlerror.h>
 
 #include <algorithm>
 #include <climits>
@@ -19,12 +18,14 @@
 #include <fstream>
 #include <list>
 #include <memory>
+#include <new>
 #include <vector>
 
 #include <velmara/StringOperations.h>
 
 #include "html/AttributeLimit.h"
 #include "runtime/Ascii.h"
+#include "runtime/QuietXml.h"
 
 namespace Velmara {
 namespace HTML {
@@ -45,21 +46,6 @@ constexpr size_t _firstPiece = 2048;
 /// No character set has a longer name, so a name cut here is as unknown as the whole.
 constexpr size_t _longestCharset = 200;
 
-/// While it lives, nothing that libxml2 has to say on this thread reaches anybody. Trouble with
-/// character sets goes to the handler of the thread, since it has no parser context at hand.
-class Quiet : private NonCopyable {
-public:
-    Quiet() : m_handler(xmlStructuredError), m_context(xmlStructuredErrorContext)
-    {
-        xmlSetStructuredErrorFunc(nullptr, [](void*, xmlErrorPtr) {});
-    }
-    ~Quiet() { xmlSetStructuredErrorFunc(m_context, m_handler); }
-
-private:
-    xmlStructuredErrorFunc m_handler;
-    void* m_context;
-};
-
 void _writeFile(std::string const& name, char const* bytes, size_t n)
 {
     std::ofstream(name, std::ios::binary | std::ios::trunc).write(bytes, static_cast<std::streamsize>(n));
@@ -79,6 +65,26 @@ void _enter(xmlNode const* node, Builder& builder)
     default:
         return;
     }
+}
+
+/// Null for an unknown set. libxml2 does not tell that from a lack of memory, so it is asked again once it is
+/// clear that there is some.
+xmlCharEncodingHandler* _handlerOf(std::string const& set)
+{
+    if (xmlCharEncodingHandler* handler = xmlFindCharEncodingHandler(set.c_str())) return handler;
+    void* const room = xmlMalloc(sizeof(xmlCharEncodingHandler));
+    if (!room) throw std::bad_alloc();
+    xmlFree(room);
+    return xmlFindCharEncodingHandler(set.c_str());
+}
+
+/// The same for a set with a number: if there is a converter now, memory was all that was missing.
+void _checkUnsupported(xmlCharEncoding set)
+{
+    xmlCharEncodingHandler* const handler = xmlGetCharEncodingHandler(set);
+    if (!handler) return;
+    xmlCharEncCloseFunc(handler);
+    throw std::bad_alloc();
 }
 
 void _select(HTMLContext& context, char const* charset)
@@ -186,49 +192,56 @@ struct HTMLContext::Position {
     bool halted; // too deep, or in a character set that cannot be converted: the input is gone
 };
 
-HTMLContext::HTMLContext(bool ignoreEncoding)
-    : m_context(htmlCreatePushParserCtxt(nullptr, nullptr, nullptr, 0, nullptr, XML_CHAR_ENCODING_NONE))
+void HTMLContext::Freed::operator()(xmlParserCtxt* context) const
 {
-    if (m_context) htmlCtxtUseOptions(m_context, ignoreEncoding ? _options | HTML_PARSE_IGNORE_ENC : _options);
+    if (context->myDoc) xmlFreeDoc(context->myDoc);
+    htmlFreeParserCtxt(context);
 }
 
-HTMLContext::~HTMLContext()
+HTMLContext::HTMLContext(bool ignoreEncoding)
 {
-    if (!m_context) return;
-    if (m_context->myDoc) xmlFreeDoc(m_context->myDoc);
-    htmlFreeParserCtxt(m_context);
+    QuietXml const quiet(nullptr);
+    m_context.reset(htmlCreatePushParserCtxt(nullptr, nullptr, nullptr, 0, nullptr, XML_CHAR_ENCODING_NONE));
+    if (!m_context) throw std::bad_alloc();
+    quiet.check();
+    htmlCtxtUseOptions(m_context.get(), ignoreEncoding ? _options | HTML_PARSE_IGNORE_ENC : _options);
 }
+
+HTMLContext::~HTMLContext() = default;
 
 xmlNode const* HTMLContext::parse(char const* chunk, unsigned int size)
 {
-    if (!m_context || size > INT_MAX) return nullptr;
-    Quiet const quiet;
+    if (size > INT_MAX) return nullptr;
+    QuietXml const quiet(m_context.get());
     AttributeLimit const limit(std::string_view(chunk, size));
     if (!limit.certain) xmlDictSetLimit(m_context->dict, _namesLimit);
     char const* bytes = limit.blanked.empty() ? chunk : limit.blanked.data();
-    htmlParseChunk(m_context, bytes, static_cast<int>(size), 1);
+    htmlParseChunk(m_context.get(), bytes, static_cast<int>(size), 1);
+    quiet.check();
     return m_context->myDoc ? xmlDocGetRootElement(m_context->myDoc) : nullptr;
 }
 
 void HTMLContext::characterSet(char const* name)
 {
-    if (!name || !m_context) return;
+    if (!name) return;
     std::string set(name);
     stringLeftTrim(set);
     stringRightTrim(set);
     if (stringCompareNoCase(set, "us-ascii") || stringCompareNoCase(set, "ascii")) return;
-    Quiet const quiet;
+    QuietXml const quiet(m_context.get());
     if (!keepsTags(set)) xmlDictSetLimit(m_context->dict, _namesLimit);
     xmlCharEncoding const known = xmlParseCharEncoding(set.c_str());
-    if (known != XML_CHAR_ENCODING_ERROR)
-        xmlSwitchEncoding(m_context, known);
-    else if (xmlCharEncodingHandler* handler = xmlFindCharEncodingHandler(set.c_str()))
-        xmlSwitchToEncoding(m_context, handler);
+    if (known != XML_CHAR_ENCODING_ERROR) {
+        xmlSwitchEncoding(m_context.get(), known);
+        if (quiet.unsupported()) _checkUnsupported(known);
+    } else if (xmlCharEncodingHandler* handler = _handlerOf(set))
+        xmlSwitchToEncoding(m_context.get(), handler);
+    quiet.check();
 }
 
 int HTMLContext::characterSet() const
 {
-    return m_context ? m_context->charset : XML_CHAR_ENCODING_NONE;
+    return m_context->charset;
 }
 
 std::string HTMLContext::characterSetAsString() const
@@ -239,19 +252,19 @@ std::string HTMLContext::characterSetAsString() const
 
 void HTMLContext::write(std::string const& fileName)
 {
-    if (!m_context || !m_context->myDoc) return;
-    Quiet const quiet;
+    if (!m_context->myDoc) return;
+    QuietXml const quiet(nullptr);
     xmlChar* bytes = nullptr;
     int n = 0;
     xmlDocDumpFormatMemory(m_context->myDoc, &bytes, &n, 1);
-    if (!bytes) return;
-    _writeFile(fileName, reinterpret_cast<char const*>(bytes), static_cast<size_t>(n));
-    xmlFree(bytes);
+    std::unique_ptr<xmlChar, void (*)(void*)> const owned(bytes, xmlFree);
+    quiet.check();
+    if (bytes) _writeFile(fileName, reinterpret_cast<char const*>(bytes), static_cast<size_t>(n));
 }
 
 HTMLContext::Position HTMLContext::position() const
 {
-    xmlParserInput const* input = m_context ? m_context->input : nullptr;
+    xmlParserInput const* input = m_context->input;
     if (!input) return {0, 0, true};
     return {static_cast<size_t>(input->cur - input->base), static_cast<size_t>(input->end - input->cur), !input->buf};
 }

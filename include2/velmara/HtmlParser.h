@@ -1,5 +1,6 @@
 #pragma once
 
+#include <memory>
 #include <string>
 
 #include <velmara/Buffer.h>
@@ -60,7 +61,10 @@ private:
     struct Position;
     Position position() const;
 
-    _xmlParserCtxt* m_context; // owned, null if libxml2 had no memory for it
+    struct Freed {
+        void operator()(_xmlParserCtxt* context) const;
+    };
+    std::unique_ptr<_xmlParserCtxt, Freed> m_context; // never null
 };
 
 /// One pass over one document, and the way to walk a buffer that holds several.

@@ -1,0 +1,44 @@
+#include "runtime/QuietXml.h"
+
+#include <libxml/globals.h>
+
+#include <cstring>
+#include <new>
+
+namespace Velmara {
+
+QuietXml::QuietXml(xmlParserCtxt* parser)
+    : m_parser(parser), m_handler(xmlStructuredError), m_context(xmlStructuredErrorContext)
+{
+    xmlSetStructuredErrorFunc(this, hear);
+}
+
+QuietXml::~QuietXml()
+{
+    xmlSetStructuredErrorFunc(m_context, m_handler);
+}
+
+void QuietXml::check() const
+{
+    if (m_outOfMemory) throw std::bad_alloc();
+}
+
+std::string QuietXml::words() const
+{
+    return std::string(m_words, std::strcspn(m_words, "\n"));
+}
+
+void QuietXml::hear(void* self, xmlErrorPtr error) noexcept
+{
+    auto& quiet = *static_cast<QuietXml*>(self);
+    if (!error) return;
+    if (error->code == XML_ERR_NO_MEMORY) {
+        quiet.m_outOfMemory = true;
+        // Other failures come from buffers being filled, which this would take away.
+        if (quiet.m_parser && error->ctxt == quiet.m_parser) xmlStopParser(quiet.m_parser);
+    }
+    if (error->code == XML_ERR_UNSUPPORTED_ENCODING) quiet.m_unsupported = true;
+    if (!quiet.m_words[0] && error->message) std::strncpy(quiet.m_words, error->message, sizeof quiet.m_words - 1);
+}
+
+} // namespace Velmara
