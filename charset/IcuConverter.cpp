@@ -1,6 +1,9 @@
 #include "charset/IcuConverter.h"
 
+#include <new>
 #include <utility>
+
+#include <unicode/uclean.h>
 
 namespace Velmara {
 
@@ -60,6 +63,14 @@ void _put(std::unique_ptr<Opened> opened)
     delete std::exchange(slot, opened.release());
 }
 
+/// If memory is missing when ICU reads its names of character sets, it remembers that for good: every later
+/// converter would fail. So it reads them while the process starts.
+[[maybe_unused]] bool const s_icuIsSetUp = [] {
+    UErrorCode status = U_ZERO_ERROR;
+    u_init(&status);
+    return U_SUCCESS(status);
+}();
+
 /// The state of a new converter. The callbacks go first: ucnv_reset and ucnv_close call them.
 void _renew(UConverter* converter)
 {
@@ -78,15 +89,17 @@ bool IcuConverter::open(std::string const& name)
     m_opened.reset(_take(name));
     if (m_opened) return true;
     UErrorCode status = U_ZERO_ERROR;
-    if (UConverter* const converter = ucnv_open(name.c_str(), &status))
-        m_opened = std::make_unique<Opened>(converter, name);
-    return bool(m_opened);
+    std::unique_ptr<UConverter, decltype(&ucnv_close)> converter(ucnv_open(name.c_str(), &status), ucnv_close);
+    if (status == U_MEMORY_ALLOCATION_ERROR) throw std::bad_alloc(); // the name may well be known
+    if (!converter) return false;
+    m_opened = std::make_unique<Opened>(std::move(converter), name);
+    return true;
 }
 
 void IcuConverter::close()
 {
     if (!m_opened) return;
-    _renew(m_opened->converter);
+    _renew(m_opened->converter.get());
     _put(std::move(m_opened));
 }
 

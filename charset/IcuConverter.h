@@ -2,6 +2,7 @@
 
 #include <memory>
 #include <string>
+#include <utility>
 
 #include <unicode/ucnv.h>
 
@@ -19,22 +20,21 @@ public:
     IcuConverter& operator=(IcuConverter const&) = delete;
     ~IcuConverter() { close(); }
 
-    /// Closes what is open. False, with nothing open, if ICU does not know the name.
+    /// Closes what is open. False, with nothing open, if ICU does not know the name; std::bad_alloc leaves if
+    /// it has no memory.
     bool open(std::string const& name);
     void close();
 
     explicit operator bool() const { return bool(m_opened); }
-    UConverter* get() const { return m_opened->converter; }
+    UConverter* get() const { return m_opened->converter.get(); }
 
     /// A converter with the name under which it was opened.
     struct Opened {
-        UConverter* const converter; // owned
+        using Converter = std::unique_ptr<UConverter, decltype(&ucnv_close)>;
+        Converter const converter;
         std::string const name;
 
-        Opened(UConverter* icu, std::string const& as) : converter(icu), name(as) {}
-        Opened(Opened const&) = delete;
-        Opened& operator=(Opened const&) = delete;
-        ~Opened() { ucnv_close(converter); }
+        Opened(Converter icu, std::string const& as) : converter(std::move(icu)), name(as) {}
     };
 
 private:

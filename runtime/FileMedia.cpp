@@ -131,7 +131,7 @@ public:
         // Nobody is left to tell; whoever must know calls end() first.
         try {
             flush();
-        } catch (Exception const&) {
+        } catch (...) { // no memory for an Exception, too
         }
     }
 

@@ -15,6 +15,7 @@
 
 #include <algorithm>
 #include <memory>
+#include <new>
 
 #include <arpa/inet.h>
 #include <unicode/bytestream.h>
@@ -45,24 +46,41 @@ bool _isPlain(std::string const& name)
     return !stringContains8bitChar(name) && name.find("xn--") == std::string::npos;
 }
 
+/// A name is not another one because memory was short.
+void _checkMemory(UErrorCode status)
+{
+    if (status == U_MEMORY_ALLOCATION_ERROR) throw std::bad_alloc();
+}
+
 /// Drops what is invisible and folds widths and case; "" where that leaves it too long.
 std::string _shortened(std::string const& name)
 {
     UErrorCode status = U_ZERO_ERROR;
     icu::Normalizer2 const* fold = icu::Normalizer2::getNFKCCasefoldInstance(status);
+    _checkMemory(status);
     if (U_FAILURE(status)) return std::string();
     std::string folded;
     icu::StringByteSink<std::string> sink(&folded);
     fold->normalizeUTF8(0, icu::StringPiece(name.data(), static_cast<int32_t>(name.size())), sink, nullptr, status);
+    _checkMemory(status);
     return U_SUCCESS(status) && folded.size() <= _longestMapped ? folded : std::string();
 }
+
+/// Read while the process starts: if memory is missing then, ICU remembers that for good.
+[[maybe_unused]] bool const s_foldingIsSetUp = [] {
+    UErrorCode status = U_ZERO_ERROR;
+    icu::Normalizer2::getNFKCCasefoldInstance(status);
+    return U_SUCCESS(status);
+}();
 
 icu::IDNA const* _idna()
 {
     static std::unique_ptr<icu::IDNA const> const idna = [] {
         UErrorCode status = U_ZERO_ERROR;
-        return std::unique_ptr<icu::IDNA const>(icu::IDNA::createUTS46Instance(
+        std::unique_ptr<icu::IDNA const> made(icu::IDNA::createUTS46Instance(
             UIDNA_NONTRANSITIONAL_TO_ASCII | UIDNA_CHECK_BIDI | UIDNA_CHECK_CONTEXTJ, status));
+        _checkMemory(status); // the next call tries again
+        return made;
     }();
     return idna.get();
 }
@@ -80,6 +98,7 @@ std::string _toAscii(std::string const& name)
     std::string ascii;
     icu::StringByteSink<std::string> sink(&ascii);
     _idna()->nameToASCII_UTF8(mappable, sink, info, status);
+    _checkMemory(status);
     return U_SUCCESS(status) && !(info.getErrors() & ~_harmless) ? ascii : std::string();
 }
 

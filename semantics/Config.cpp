@@ -4,11 +4,14 @@
 #include <atomic>
 #include <boost/thread/lock_types.hpp>
 #include <boost/thread/shared_mutex.hpp>
+#include <chrono>
 #include <cstdint>
 #include <cstring>
 #include <list>
 #include <mutex>
+#include <new>
 #include <optional>
+#include <thread>
 
 #include <velmara/Installation.h>
 #include <velmara/MediaIn.h>
@@ -220,11 +223,24 @@ Config& configuration()
     return config ? *config : *empty;
 }
 
+/// On a thread of its own, where nobody could catch anything. A lack of memory passes, but words that were read
+/// before it would keep other numbers: all begins anew.
 void Config::load()
 {
-    readDict(Installation::wordDirectory());
-    initLang();
+    while (!tryLoad()) std::this_thread::sleep_for(std::chrono::milliseconds(100));
     m_state->ready.store(true, std::memory_order_release);
+}
+
+bool Config::tryLoad()
+{
+    try {
+        readDict(Installation::wordDirectory());
+        initLang();
+        return true;
+    } catch (std::bad_alloc const&) {
+        for (auto& list : m_state->lists) list.store(nullptr, std::memory_order_release);
+        return false;
+    }
 }
 
 } // namespace Velmara

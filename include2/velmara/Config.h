@@ -78,6 +78,7 @@ public:
 private:
     friend class TD;
     void load();
+    bool tryLoad();
 
     struct State;
     std::unique_ptr<State> m_state;
