@@ -36,4 +36,3 @@ target_link_libraries(velmara
     PUBLIC Threads::Threads
     PRIVATE $<BUILD_INTERFACE:velmara_compile> ICU::uc LibXml2::LibXml2 Boost::thread
             PkgConfig::RE2 PkgConfig::LIBMD PkgConfig::LIBMAGIC)
-target_link_options(velmara PRIVATE -Wl,-z,relro,-z,now)
