@@ -36,3 +36,9 @@ target_link_libraries(velmara
     PUBLIC Threads::Threads
     PRIVATE $<BUILD_INTERFACE:velmara_compile> ICU::uc LibXml2::LibXml2 Boost::thread
             PkgConfig::RE2 PkgConfig::LIBMD PkgConfig::LIBMAGIC)
+
+# Symbols are versioned: abi/velmara.map. Sanitizers and coverage add symbols of their own, which have to be seen.
+if(NOT CMAKE_CXX_FLAGS MATCHES "-fsanitize|--coverage|-fprofile")
+    target_link_options(velmara PRIVATE -Wl,--version-script=${PROJECT_SOURCE_DIR}/abi/velmara.map)
+    set_property(TARGET velmara APPEND PROPERTY LINK_DEPENDS ${PROJECT_SOURCE_DIR}/abi/velmara.map)
+endif()
