@@ -1,0 +1,104 @@
+// Any file as an mbox: the separators and messages, one behind the other, are the file; every cut of the
+// reads gives the same; and each separator but the first is an empty line and a line that looks like a
+// message's first. The alphabet of a mail makes lines that nearly do.
+#include <algorithm>
+#include <cstdint>
+#include <cstdlib>
+#include <string>
+#include <vector>
+
+#include "tools/scan/MboxReader.h"
+
+namespace {
+
+using namespace VelmaraCommand;
+
+class CutStream : public ByteStream {
+public:
+    CutStream(std::string const& text, std::size_t most) : m_text(text), m_most(most) {}
+    std::size_t read(char* bytes, std::size_t n) override
+    {
+        std::size_t const taken = m_text.copy(bytes, std::min(n, m_most), m_at);
+        m_at += taken;
+        return taken;
+    }
+
+private:
+    std::string const& m_text;
+    std::size_t const m_most;
+    std::size_t m_at = 0;
+};
+
+void _require(bool claim)
+{
+    if (!claim) std::abort();
+}
+
+/// Separator, message, separator, ..., separator.
+std::vector<std::string> _split(std::string const& file, std::size_t most)
+{
+    CutStream stream(file, most);
+    MboxReader reader(stream);
+    std::vector<std::string> pieces;
+    std::size_t length = 0;
+    while (reader.nextMessage()) {
+        pieces.push_back(reader.separator());
+        length += reader.separator().size();
+        _require(reader.offset() == length);
+        pieces.emplace_back();
+        for (std::string_view bytes = reader.nextBytes(); !bytes.empty(); bytes = reader.nextBytes())
+            pieces.back() += bytes;
+        length += pieces.back().size();
+    }
+    pieces.push_back(reader.separator());
+    return pieces;
+}
+
+void _requireSeparator(std::string separator)
+{
+    separator.erase(0, separator[0] == '\r' ? 2 : 1);
+    _require(looksLikeFromLine(separator));
+}
+
+/// Each byte stands for a word of an mbox.
+std::string _words(unsigned char const* data, std::size_t size)
+{
+    constexpr char const* words[] = {"\n",
+                                     "\r\n",
+                                     "\n\nFrom ",
+                                     "From ",
+                                     "a@b.example",
+                                     " ",
+                                     "Fri Jul  8 12:08:34 2011",
+                                     "Fri, 8 Jul 2011 12:08",
+                                     "\n",
+                                     "\r",
+                                     "\"",
+                                     "x",
+                                     ">From ",
+                                     "Mon",
+                                     "\nFrom a ",
+                                     "12:08"};
+    std::string text;
+    for (std::size_t i = 0; i < size; ++i) text += words[data[i] % 16];
+    return text;
+}
+
+void _check(std::string const& file)
+{
+    std::vector<std::string> const whole = _split(file, file.size() + 1);
+    std::string all;
+    for (std::string const& piece : whole) all += piece;
+    _require(all == file);
+    for (std::size_t i = 2; i + 1 < whole.size(); i += 2) _requireSeparator(whole[i]);
+    for (std::size_t most : {1, 2, 13, 1001}) _require(_split(file, most) == whole);
+}
+
+} // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(unsigned char const* data, size_t size)
+{
+    _check(std::string(reinterpret_cast<char const*>(data), size));
+    _check(_words(data, size));
+    return 0;
+}
