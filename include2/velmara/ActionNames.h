@@ -15,10 +15,12 @@ class VELMARA_EXPORT ActionNames : private NonCopyable {
 public:
     /// A row of actionStrings().
     struct ActionString {
+        /// The bit, or 0 in the end mark.
         int value;
         char* name; // null in the end mark
     };
 
+    /// The object of the process.
     static ActionNames& instance();
 
     /// Writes the names of all rows that have a bit in common with `mask` into `buffer`, in the order of

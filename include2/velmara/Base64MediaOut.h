@@ -12,6 +12,7 @@ namespace Velmara {
 /// Base64 (RFC 2045) in lines of 76 characters. Undone by CodecBase64.
 class VELMARA_EXPORT Base64MediaOut : public MediaOutDecorator {
 public:
+    /// The end of the text is written by `end`, which is passed on.
     explicit Base64MediaOut(MediaOut const& downstream);
 };
 
@@ -23,6 +24,7 @@ public:
 /// content.
 class VELMARA_EXPORT QuotedPrintableOut : public MediaOutDecorator {
 public:
+    /// The end of the text is written by `end`, which is passed on.
     explicit QuotedPrintableOut(MediaOut const& downstream);
 };
 
@@ -30,6 +32,7 @@ public:
 /// to be given the lines one by one.
 class VELMARA_EXPORT UUEncodeOut : public MediaOutDecorator {
 public:
+    /// The end line is written by `end`, which is passed on.
     explicit UUEncodeOut(MediaOut const& downstream);
 };
 
@@ -40,6 +43,7 @@ public:
 /// Limits: the length of the file stands ahead of it, so all bytes are held until `end`.
 class VELMARA_EXPORT BinHex40Out : public MediaOutDecorator {
 public:
+    /// Everything is written by `end`, which is passed on.
     explicit BinHex40Out(MediaOut const& downstream);
 };
 

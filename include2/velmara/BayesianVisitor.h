@@ -14,14 +14,17 @@ namespace Velmara {
 /// Text that was collected from a message. The meanings of `flag` and `label` are the callers' own.
 class VELMARA_EXPORT MPartText : public MPartAttribute {
 public:
+    /// Empty text of that kind.
     explicit MPartText(MPartAttribute::Type type);
     ~MPartText() override;
 
     /// What was given: further kinds of text can use this class.
     MPartAttribute::Type type() const override;
 
+    /// The kind, and what was collected.
     MPartAttribute::Type textType;
     Buffer text;
+    /// The caller's own.
     int flag = 0;
     std::string label;
 };
@@ -32,6 +35,7 @@ public:
     MPartUriContainer();
     ~MPartUriContainer() override;
 
+    /// 7.
     MPartAttribute::Type type() const override;
 };
 

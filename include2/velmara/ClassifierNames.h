@@ -23,6 +23,7 @@ public:
     /// Classifiers have the numbers below this.
     static constexpr ClassifierType count = 75;
 
+    /// The object of the process.
     static ClassifierNames& instance();
 
     /// The name; "None" for a number above 74.

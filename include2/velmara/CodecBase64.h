@@ -31,6 +31,7 @@ public:
     CodecBase64();
     explicit CodecBase64(MediaOut const& downstream);
 
+    /// On until it is set; the class tells what either kind makes of foreign bytes.
     void strict(bool on);
     bool strict() const;
     /// One of the numbers of Status.

@@ -15,6 +15,7 @@ struct VELMARA_EXPORT dict {
     std::string name;                           // path of the first file read into it
     std::map<std::wstring, unsigned int> words; // word to number
 
+    /// No words. A copy has words of its own.
     dict();
     dict(dict const& other);
     dict(dict&& other) noexcept;

@@ -54,6 +54,7 @@ public:
     ContentDispositionImpl();
     ~ContentDispositionImpl() override;
 
+    /// As of ContentDisposition.
     ContentDisposition::FileType fileType() const;
     std::list<TypeAndValue> const& parameters() const;
     std::string const& utf8fileName() const;

@@ -59,6 +59,7 @@ public:
     ContentEncodingImpl();
     ~ContentEncodingImpl() override;
 
+    /// As of ContentEncoding.
     ContentEncoding::EncodingType encoding() const;
     std::string const& encodingAsString() const;
 

@@ -132,6 +132,7 @@ public:
     /// Always false: whole headers are compared through their handles.
     bool operator==(TypeAndValueImpl const& other) const override;
 
+    /// As of ContentType.
     ContentType::MediaType mediatype() const;
     ContentType::SubType subtype() const;
     std::string const& mediatypeAsString() const;

@@ -33,6 +33,7 @@ public:
     int read(uchar_t* bytes, uint_t n) override;
     void setpos(unsigned long position) override;
     void write(MediaOut& out) override;
+    /// Always 0.
     virtual unsigned long tell();
 
 private:

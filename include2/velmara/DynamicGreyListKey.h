@@ -18,6 +18,7 @@ public:
     /// True if either half is missing: such a sender cannot be filed.
     bool empty() const;
 
+    /// The two halves.
     IPAddressMask network;
     std::string domain;
 };

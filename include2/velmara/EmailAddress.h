@@ -35,6 +35,7 @@ public:
     static std::list<EmailAddress> rfc5322ParseList(std::string const& text, std::string const& separators);
     static std::list<EmailAddress> rfc5322ParseList(std::string const& text, char const* separators);
 
+    /// True without an address, be there a name or not.
     bool isNull() const { return m_address.empty(); }
     /// "local@domain", or a bare word. A quoted local part keeps its quotes.
     std::string const& address() const { return m_address; }

@@ -17,6 +17,7 @@ class EncodedWordImpl;
 /// EncodedWordException (code 1).
 class VELMARA_EXPORT EncodedWord {
 public:
+    /// As the letter between the question marks says; none until a word has been read.
     enum Encoding : int { EncodingNone = 0, EncodingQ = 1, EncodingB = 2 };
 
     /// A null handle.
@@ -27,6 +28,7 @@ public:
     EncodedWord& operator=(EncodedWord const& other);
     ~EncodedWord();
 
+    /// True of a null handle.
     bool isNull() const { return m_impl.isNull(); }
 
     /// Whether a text may hold a word: "=?", a "?" at index 2 or behind it and "?=" occur, in any order.

@@ -48,6 +48,7 @@ public:
     unsigned int lineNumber() const;
     void lineNumber(unsigned int line);
 
+    /// Whether this one translates another.
     bool hasCause() const;
     /// The exception that this one translates; without one, an exception with an empty message and
     /// code 0. The reference holds as long as this object keeps its cause.
@@ -67,6 +68,7 @@ private:
 /// An operation on a header handle, header list or the like that has no implementation (code 1).
 class VELMARA_EXPORT HeaderException : public Exception {
 public:
+    /// The line of the throw and, where given, the unit that it reports; "HeaderImpl" else.
     explicit HeaderException(unsigned int line);
     HeaderException(unsigned int line, char const* file);
 };
@@ -75,6 +77,7 @@ public:
 /// a codec could not finish (code 4).
 class VELMARA_EXPORT MediaException : public Exception {
 public:
+    /// The line of the throw and, where given, the unit that it reports, "Base64Codec" else, and the code.
     explicit MediaException(unsigned int line);
     MediaException(unsigned int line, char const* file);
     MediaException(unsigned int line, char const* file, int code);
@@ -83,12 +86,14 @@ public:
 /// An operation on a null encoded word (code 1), or text that is no encoded word (codes 2 and 5).
 class VELMARA_EXPORT EncodedWordException : public Exception {
 public:
+    /// The line of the throw, in the unit "EncodedWordImpl".
     EncodedWordException(int code, unsigned int line);
 };
 
 /// Content that a Buffer cannot decode (code 5).
 class VELMARA_EXPORT BufferException : public Exception {
 public:
+    /// The operation that failed is the message.
     BufferException(std::string const& message, int code, unsigned int line);
 };
 

@@ -8,6 +8,7 @@
 
 namespace Velmara {
 
+/// The types of bytes and of their counts in the interfaces of streams.
 typedef unsigned char uchar_t;
 typedef unsigned int uint_t;
 

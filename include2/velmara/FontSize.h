@@ -24,9 +24,11 @@ public:
     /// other node, or none, changes nothing.
     virtual void parse(_xmlNode const* text, unsigned int current);
 
+    /// 0 to 7.
     unsigned int size() const { return m_size; }
 
 protected:
+    /// 0 to 7; set by what reads it.
     unsigned int m_size = 0;
 };
 
@@ -35,6 +37,7 @@ class VELMARA_EXPORT CssFontSize : public FontSize {
 public:
     /// A size that has a name.
     struct TextSize {
+        /// In lower case, and the size that it stands for; rows are ordered by name.
         std::string name;
         unsigned int size;
         bool operator<(TextSize const& other) const { return name < other.name; }

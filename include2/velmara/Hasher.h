@@ -45,6 +45,7 @@ public:
     Hasher& operator=(Hasher const& other);
     ~Hasher();
 
+    /// True without an implementation.
     bool isNull() const;
 
     /// The kind of content that is looked for; an image may turn out to be of another kind.
@@ -82,6 +83,7 @@ private:
 /// Of text. DataHtml reads HTML, every other type plain text; the type given is the one reported.
 class VELMARA_EXPORT TextHasher : public Hasher {
 public:
+    /// Nothing processed yet.
     explicit TextHasher(DataType type);
     /// Processes the data, the size of the whole being unknown.
     TextHasher(DataType type, Buffer const& data);
@@ -92,6 +94,7 @@ public:
 /// treated like DataJpeg.
 class VELMARA_EXPORT ImageHasher : public Hasher {
 public:
+    /// Nothing processed yet.
     explicit ImageHasher(DataType type);
     /// Processes the data, the size of the whole being unknown.
     ImageHasher(DataType type, Buffer const& data);

@@ -21,7 +21,9 @@ public:
     Hasher::DataType dataType = Hasher::DataNone; // set by the handle; an image hasher may change it
     unsigned int dataSourceLength = 0;            // of the whole body; 0 where it is not known
     Buffer data{4096, 0};                         // the extract that is hashed
+    /// Over the extract.
     Md5Hasher md5;
+    /// As Hasher::isMoreDataRequired tells it.
     bool moreDataRequired = false;
     unsigned int processedDataLength = 0; // of the last input
     unsigned int hashedDataLength = 0;    // of the extract
@@ -41,24 +43,28 @@ public:
     void process(Buffer const& input) override;
 
 protected:
+    /// The mode of htm_txt_get_data.
     explicit TextHasherImpl(int mode) : m_mode(mode) {}
 
 private:
     int const m_mode;
 };
 
+/// HTML: mode 1 of htm_txt_get_data.
 class VELMARA_EXPORT TextHasherHtml : public TextHasherImpl {
 public:
     TextHasherHtml();
     ~TextHasherHtml() override;
 };
 
+/// Plain text: mode 2.
 class VELMARA_EXPORT TextHasherPlain : public TextHasherImpl {
 public:
     TextHasherPlain();
     ~TextHasherPlain() override;
 };
 
+/// Pixel data without headers; see ImageHasher for what is tried.
 class VELMARA_EXPORT ImageHasherImpl : public HasherImpl {
 public:
     ImageHasherImpl();
@@ -72,6 +78,7 @@ private:
     bool gatherAny(Buffer const& input);
 };
 
+/// The first bytes as they are.
 class VELMARA_EXPORT BinaryHasherImpl : public HasherImpl {
 public:
     /// 0 means 4096.

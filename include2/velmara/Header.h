@@ -12,6 +12,7 @@ namespace Velmara {
 class VELMARA_EXPORT HeaderImpl : public TypeAndValueImpl {
 public:
     HeaderImpl();
+    /// Null pointers count as empty strings.
     HeaderImpl(char const* name, char const* value);
     HeaderImpl(std::string const& name, std::string const& value);
     ~HeaderImpl() override;
@@ -53,6 +54,7 @@ public:
     /// The same as the assignment of the object's class.
     void assign(Header const& other);
 
+    /// The name in lower case, made once and kept with the implementation.
     std::string const& typeLowerCase() const;
     /// The value with each line break and the white space behind it taken out; nothing stands in their
     /// place, and a CR before the LF stays. Behind the last break the text ends at a NUL.

@@ -45,6 +45,7 @@ public:
     /// Points at a new object, whatever the flag says.
     explicit HeaderComplianceFactory(bool);
 
+    /// Whether it points at nothing.
     bool isNull() const { return !get(); }
 };
 

@@ -56,6 +56,7 @@ public:
     HeaderContainer& operator=(HeaderContainer const& other);
     ~HeaderContainer();
 
+    /// True without a list.
     bool isNull() const { return !m_holder || !m_holder->ptr; }
 
     /// A new container with plain copies of the headers; nothing is shared.

@@ -28,6 +28,7 @@ VELMARA_EXPORT std::string const& referencesType();
 class VELMARA_EXPORT HeaderWithEmailAddressBaseImpl : public ParsedHeaderImpl, public NonCopyable {
 public:
     ~HeaderWithEmailAddressBaseImpl() override;
+    /// The first of the value; null without one.
     EmailAddress const& address() const;
 
 private:
@@ -40,6 +41,7 @@ private:
 class VELMARA_EXPORT HeaderWithEmailAddressListBaseImpl : public ParsedHeaderImpl, public NonCopyable {
 public:
     ~HeaderWithEmailAddressListBaseImpl() override;
+    /// All of the value.
     std::list<EmailAddress> const& addresses() const;
 
 private:
@@ -84,6 +86,7 @@ template <std::string const& (*name)()> class VELMARA_EXPORT HeaderWithEmailAddr
                                HeaderWithEmailAddressBase>;
 
 public:
+    /// The name that the function gives.
     static std::string const& htype;
 
     /// A null handle.
@@ -106,6 +109,7 @@ template <std::string const& (*name)()> class VELMARA_EXPORT HeaderWithEmailAddr
                     HeaderWithEmailAddressListBase>;
 
 public:
+    /// The name that the function gives.
     static std::string const& htype;
 
     /// A null handle.

@@ -23,9 +23,11 @@ public:
     ///   true       false   anything: what a client calls itself is kept, however odd
     HostName(std::string const& text, bool acceptAny, bool strict);
 
+    /// Null is empty text.
     bool isNull() const { return m_text.empty(); }
     std::string const& asString() const { return m_text; }
 
+    /// Without regard to ASCII case, and so is the order.
     bool operator==(HostName const& other) const;
     bool operator!=(HostName const& other) const { return !(*this == other); }
     bool operator<(HostName const& other) const;

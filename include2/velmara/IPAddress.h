@@ -21,6 +21,7 @@ public:
     /// Null where the text is no address.
     IPAddress(std::string const& text);
 
+    /// Whether it is none.
     bool isNull() const { return m_length == 0; }
     /// 4 or 16; 0 for null.
     unsigned int length() const { return m_length; }
@@ -31,6 +32,7 @@ public:
     std::string asString(bool compressed) const;
     static bool isValidIPAddress(std::string const& text);
 
+    /// Same length and bytes.
     bool operator==(IPAddress const& other) const;
     bool operator!=(IPAddress const& other) const { return !(*this == other); }
     /// Null, then IPv4 by number, then IPv6 by number.
@@ -57,11 +59,14 @@ public:
     /// network of one. Anything else, also a mask with gaps, gives null.
     IPAddressMask(std::string const& text);
 
+    /// Whether it is none.
     bool isNull() const { return m_network.isNull(); }
+    /// Whether the address lies in the network; one of the other length never does.
     bool matches(IPAddress const& address) const;
     /// "192.0.2.0/24", with the number of bits for a bare address too; "" for null.
     std::string asString() const;
 
+    /// Same network and number of bits.
     bool operator==(IPAddressMask const& other) const;
     bool operator!=(IPAddressMask const& other) const { return !(*this == other); }
     /// By address, then wider networks first.
@@ -82,10 +87,13 @@ public:
     /// peers, becomes the IPv4 address that lists of networks name.
     SocketAddress(sockaddr const& address, bool foldMapped);
 
+    /// Without an address.
     bool isNull() const { return m_address.isNull(); }
+    /// The address, and the port in the order of the host.
     IPAddress const& asINET() const { return m_address; }
     unsigned short port() const { return m_port; }
 
+    /// Address and port; ordered by the one, then the other.
     bool operator==(SocketAddress const& other) const;
     bool operator!=(SocketAddress const& other) const { return !(*this == other); }
     bool operator<(SocketAddress const& other) const;

@@ -35,6 +35,7 @@ public:
     ListIdImpl();
     ~ListIdImpl() override;
 
+    /// As of ListId.
     HostName const& domain() const;
 
 private:

@@ -16,6 +16,7 @@ public:
         TypeTD = 17    // TDProperties: semantic tokens
     };
 
+    /// Of which kind it is: the key under which a part keeps it.
     virtual Type type() const = 0;
     ~MPartAttribute() override;
 

@@ -19,7 +19,9 @@ public:
     MSISDN& operator=(MSISDN const&) = default;
     virtual ~MSISDN();
 
+    /// Whether there is no number.
     bool isNull() const;
+    /// The number as it was taken; "" for null.
     std::string const& asString() const;
 
     /// To the byte.

@@ -14,7 +14,9 @@ namespace Velmara {
 /// belongs to one thread at a time.
 class VELMARA_EXPORT Md5Hasher {
 public:
+    /// Of no bytes yet.
     Md5Hasher();
+    /// Goes on by itself from where the other stands.
     Md5Hasher(Md5Hasher const& other);
     Md5Hasher& operator=(Md5Hasher const& other);
     ~Md5Hasher();

@@ -56,6 +56,7 @@ public:
     MediaIn& operator=(MediaIn&&) noexcept = default;
     ~MediaIn() override;
 
+    /// As of MediaInImpl, on the stream that this is a handle on.
     virtual bool atEnd() const;
     virtual int peek() const;
     virtual void readline(Buffer& line);
@@ -65,6 +66,7 @@ public:
     virtual void setpos(unsigned long position);
     virtual void write(MediaOut& out);
 
+    /// Replace the content by all that remains.
     int read(Buffer& all);
     int read(std::string& all);
 

@@ -39,15 +39,18 @@ public:
     MediaOut& operator=(MediaOut const&) = default;
     ~MediaOut() override;
 
+    /// As of MediaOutImpl, on the sink that this is a handle on.
     virtual void write(Buffer const& bytes);
     virtual void write(uchar_t const* bytes, uint_t n);
     virtual void end();
     virtual unsigned long tell() const;
     virtual void setpos(unsigned long position);
 
+    /// Tells the sink in which character set the next bytes are.
     void characterSet(std::string const& name);
 
 protected:
+    /// The sink; a null handle throws Exception with the name of the operation (code 1).
     MediaOutImpl& impl(char const* operation, unsigned int line) const;
 };
 
@@ -75,6 +78,7 @@ public:
     virtual void detach();
 
 protected:
+    /// Where it writes; a null handle until `attach`.
     MediaOut& downstream() { return m_downstream; }
 
 private:
@@ -104,6 +108,7 @@ private:
 /// the target; `setpos` truncates it.
 class VELMARA_EXPORT BufferMediaOut : public MediaOut {
 public:
+    /// The buffer must outlive every handle on the sink.
     explicit BufferMediaOut(Buffer& target);
 };
 

@@ -17,6 +17,7 @@ namespace Velmara {
 
 /// The result of a check of the sender's network (SPF).
 struct VELMARA_EXPORT SPFStatus {
+    /// What came out, why, and of which domain and address: numbers of whoever checked.
     std::int32_t result = 0;
     std::int32_t reason = 0;
     std::string domain;
@@ -31,6 +32,7 @@ public:
     NewsLetterStatus& operator=(NewsLetterStatus const&) = default;
     virtual ~NewsLetterStatus();
 
+    /// The caller's own.
     unsigned char values[10] = {};
 };
 
@@ -42,12 +44,14 @@ public:
     DMARCStatus& operator=(DMARCStatus const&) = default;
     virtual ~DMARCStatus();
 
+    /// The caller's own.
     unsigned char values[8] = {};
 };
 
 /// Named attributes; names are compared with their case.
 class VELMARA_EXPORT MessageAttributeContainer {
 public:
+    /// By name.
     std::map<std::string, Ref<MPartAttribute>> const& attributes() const { return m_attributes; }
 
     /// Null if there is none of that name.
@@ -70,19 +74,23 @@ public:
     MessageProperties();
     ~MessageProperties() override;
 
+    /// From the envelope or the headers, as the caller decides.
     EmailAddress sender;
     EmailAddress recipient;
     RefHeaderList headers{true}; // a list of its own
+    /// Numbers and texts of the caller's own.
     std::uint64_t size = 0;
     StringContainer strings;
     unsigned char flags[5] = {};
     unsigned char values[20] = {};
+    /// What the checks found.
     ReceivedHeaderAnalysis received;
     SPFStatus spf;
     DynamicGreyListKey greyListKey;
     NewsLetterStatus newsLetter;
     DMARCStatus dmarc;
     MessageAttributeContainer attributes;
+    /// The root of its message.
     Ref<MimePart> message;
 };
 

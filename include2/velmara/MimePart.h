@@ -27,9 +27,11 @@ class Rfc822MsgParser;
 /// has been parsed: all streams of a message share one position.
 class VELMARA_EXPORT MimePart : virtual public RefImpl, private NonCopyable {
 public:
+    /// At most one attribute of each type.
     using AttributeMap = std::map<MPartAttribute::Type, Ref<MPartAttribute>>;
 
     MimePart();
+    /// Without headers and without a parser.
     explicit MimePart(MediaIn& source);
     /// The parser is not owned; the headers are shared.
     MimePart(HeaderContainer const& headers, Rfc822MsgParser* parser, MediaIn& source);
@@ -61,6 +63,7 @@ public:
     unsigned long blen() const { return m_blen; }
     void blen(unsigned long length) { m_blen = length; }
 
+    /// What is attached to the part.
     AttributeMap const& attributeMap() const;
     /// Takes over each entry; others stay.
     void attributeMap(AttributeMap const& attributes);
@@ -109,6 +112,7 @@ private:
 /// A container at the depth limit, kept as the text it is; its delimiters are part of it.
 class VELMARA_EXPORT MimeSkippedPart : public MimePart {
 public:
+    /// The headers are shared; the parser is not owned.
     MimeSkippedPart(HeaderContainer const& headers, Rfc822MsgParser* parser, MediaIn& source, MediaIn& body);
     ~MimeSkippedPart() override;
 
@@ -126,6 +130,7 @@ private:
 /// header block, the epilogue when the closing delimiter is.
 class VELMARA_EXPORT MimeRfc822MPart : public MimePart {
 public:
+    /// The headers are shared; the parser is not owned.
     MimeRfc822MPart(HeaderContainer const& headers, Rfc822MsgParser* parser, MediaIn& source);
     ~MimeRfc822MPart() override;
 
@@ -155,6 +160,7 @@ private:
 /// A message/* part, which holds one nested message.
 class VELMARA_EXPORT MimeRfc822SPart : public MimePart {
 public:
+    /// The headers are shared; the parser is not owned.
     MimeRfc822SPart(HeaderContainer const& headers, Rfc822MsgParser* parser, MediaIn& source);
     ~MimeRfc822SPart() override;
 
@@ -171,6 +177,7 @@ private:
 /// The text ahead of a multipart's first delimiter.
 class VELMARA_EXPORT MimePreamble : public MimePart {
 public:
+    /// Over its text.
     explicit MimePreamble(MediaIn text);
     ~MimePreamble() override;
 
@@ -181,6 +188,7 @@ public:
 /// The text behind a multipart's closing delimiter.
 class VELMARA_EXPORT MimeEpilogue : public MimePart {
 public:
+    /// Over its text.
     explicit MimeEpilogue(MediaIn text);
     ~MimeEpilogue() override;
 

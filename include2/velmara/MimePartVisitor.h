@@ -29,9 +29,11 @@ public:
     MimePartVisitor();
     ~MimePartVisitor() override;
 
+    /// For the use of who drives the walk; the defaults do nothing.
     virtual void source(MediaIn& in);
     virtual void init(MimePart* root);
 
+    /// A part that has no children; the defaults do nothing.
     virtual void visitSkippedPart(MimeSkippedPart& part);
     virtual void visitRfc822Msg(MimeRfc822Msg& part);
     virtual void visitPreamble(MimePreamble& part);
@@ -41,6 +43,7 @@ public:
     virtual bool visitMPart(MimeRfc822MPart& part);
     virtual bool visitSPart(MimeRfc822SPart& part);
 
+    /// When the walk has ended; the default does nothing.
     virtual void done();
 };
 

@@ -38,6 +38,7 @@ public:
     /// Always false: whole headers are compared through their handles.
     bool operator==(TypeAndValueImpl const& other) const override;
 
+    /// As of MimeVersion.
     std::string version() const;
 };
 

@@ -12,6 +12,7 @@ namespace Velmara {
 class VELMARA_EXPORT Mutex : private NonCopyable {
 public:
     constexpr Mutex() noexcept = default;
+    /// A thread that holds it already must not lock it again.
     void lock() { m_mutex.lock(); }
     void unlock() { m_mutex.unlock(); }
 
@@ -22,6 +23,7 @@ private:
 /// Holds a lock from construction to destruction.
 class VELMARA_EXPORT Synchronized : private NonCopyable {
 public:
+    /// The lock must outlive this object.
     explicit Synchronized(Mutex& mutex) : m_mutex(mutex) { m_mutex.lock(); }
     ~Synchronized() { m_mutex.unlock(); }
 

@@ -62,6 +62,7 @@ public:
     ReceivedImpl();
     ~ReceivedImpl() override;
 
+    /// As of Received.
     std::string find(std::string const& name) const;
     std::string const& date() const;
     std::string const& by() const;

@@ -20,6 +20,7 @@ public:
         Record& operator=(Record const&) = default;
         virtual ~Record();
 
+        /// The header and what a check has to say of it.
         Received header;
         unsigned char marks[10] = {};
     };
@@ -30,8 +31,10 @@ public:
     ReceivedHeaderAnalysis& operator=(ReceivedHeaderAnalysis const&) = default;
     virtual ~ReceivedHeaderAnalysis();
 
+    /// In the order in which they were looked at.
     std::list<Record> records;
     IPAddress address; // the one that was picked, such as that of the last host that is not trusted
+    /// The caller's own.
     unsigned char marks[9] = {};
 };
 

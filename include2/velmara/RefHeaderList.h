@@ -31,6 +31,7 @@ public:
     RefHeaderList& operator=(RefHeaderList const&) = default;
     ~RefHeaderList() override;
 
+    /// In their order.
     std::list<Header> const& headers() const;
 
     /// At the end. A null header throws Exception "HeaderContainer::add" (code 4).

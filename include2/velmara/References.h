@@ -38,6 +38,7 @@ public:
     ReferencesImpl();
     ~ReferencesImpl() override;
 
+    /// As of References.
     std::list<EmailAddress> const& addresses() const;
 
 private:

@@ -53,6 +53,7 @@ template <std::string const& (*name)()> class VELMARA_EXPORT Rfc2369ListHeader
         TypedHeader<Rfc2369ListHeader<name>, NamedHeaderImpl<name, Rfc2369ListHeaderBaseImpl>, Rfc2369ListHeaderBase>;
 
 public:
+    /// The name that the function gives.
     static std::string const& htype;
 
     /// A null handle.

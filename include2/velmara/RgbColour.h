@@ -31,6 +31,7 @@ public:
     /// A null text changes nothing. A name must only begin the text: "bluebell" is blue.
     virtual void parse(char const* text, bool useWhiteIfUnknown);
 
+    /// The same in all three.
     bool operator==(RgbColour const& other) const;
     bool operator!=(RgbColour const& other) const { return !(*this == other); }
 
@@ -40,6 +41,7 @@ public:
     /// ones, 191 of black and white.
     double distance(RgbColour const& other) const;
 
+    /// Not kept within 0 to 255.
     int red;
     int green;
     int blue;

@@ -89,6 +89,7 @@ private:
 /// database, and throws if that fails; `init` is the place to take that cost and that failure.
 class VELMARA_EXPORT SharedMimeInfo {
 public:
+    /// As of SharedMimeInfoImpl.
     static void init();
     static std::string const& mimeType(Buffer const& data, std::string const& fileName);
     static MimeTypeExplanation explain(Buffer const& data, std::string const& fileName);

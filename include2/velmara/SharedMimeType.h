@@ -10,15 +10,19 @@ namespace Velmara {
 
 /// One type of a shared-mime-info database as it was read: plain data, unchanged afterwards.
 struct VELMARA_EXPORT SharedMimeType {
+    /// A pattern for names: of those that fit, the heaviest count, and of these the longest.
     struct GlobPattern {
         std::string pattern; ///< "" matches no name
+        /// As the database gives it, or its default.
         int weight = 50;
         bool ignoreCase = true;
     };
 
+    /// A set of tests on the content.
     struct Magic {
         /// A test on the content, and tests nested in it.
         struct Match {
+            /// How the bytes of a value stand in the content.
             enum Type { String, Big16, Big32, Host16, Host32, Little16, Little32, Byte };
 
             /// What must be found, as bytes in the order of the content. In all types but String a
@@ -39,11 +43,14 @@ struct VELMARA_EXPORT SharedMimeType {
         };
 
         std::vector<Match> matches; ///< any one of them speaks for the type
+        /// The higher counts.
         int priority = 50;
     };
 
+    /// Its name, "image/png".
     std::string mimeType;
     std::set<std::string> subClassOf; ///< the types that this one is a kind of
+    /// In the order of the database.
     std::vector<Magic> magics;
     std::vector<GlobPattern> globs;
 };
@@ -52,16 +59,19 @@ struct VELMARA_EXPORT SharedMimeType {
 struct VELMARA_EXPORT MimeTypeExplanation {
     /// A pattern that fits the name.
     struct GlobHit {
+        /// The type that it stands for, and the pattern itself.
         SharedMimeType const* type;
         SharedMimeType::GlobPattern const* glob;
         bool kept; ///< of the highest weight and, among those, of the longest pattern
     };
     /// A test that holds for the content.
     struct MagicHit {
+        /// The type that it stands for, and the test itself.
         SharedMimeType const* type;
         SharedMimeType::Magic const* magic;
         SharedMimeType::Magic::Match const* match;
     };
+    /// What decided.
     enum Reason {
         EmptyInput,           ///< neither a name nor two bytes
         NothingMatched,       ///< a name that fits no pattern, and less than two bytes
@@ -76,6 +86,7 @@ struct VELMARA_EXPORT MimeTypeExplanation {
 
     std::vector<GlobHit> globs;   ///< in the order of the database
     std::vector<MagicHit> magics; ///< in the order of the database
+    /// What decided.
     Reason reason;
     std::string const* mimeType; ///< the answer, never null
 };

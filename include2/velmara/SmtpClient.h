@@ -10,6 +10,7 @@ namespace Velmara {
 
 /// What an SmtpClient points at.
 struct VELMARA_EXPORT SmtpClientImpl : virtual public RefImpl {
+    /// As of SmtpClient.
     HostName hostname;
     SocketAddress address;
     std::string envelopeFrom;
@@ -35,8 +36,10 @@ public:
     SmtpClient& operator=(SmtpClient const& other);
     virtual ~SmtpClient();
 
+    /// True without a record.
     bool isNull() const { return !m_holder || !m_holder->ptr; }
 
+    /// The name that it gave, and the address that it came from.
     HostName const& hostname() const;
     SocketAddress const& address() const;
     /// The address within the socket address.

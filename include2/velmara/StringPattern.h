@@ -33,6 +33,7 @@ public:
     /// Without a pattern, be it one that could not be compiled.
     bool isNull() const { return m_alternatives.empty(); }
 
+    /// Whether one of the patterns fits; none fits where there is none.
     bool matches(std::string const& text) const;
     /// Up to the NUL; a null pointer matches nothing.
     bool matches(unsigned char const* text) const;

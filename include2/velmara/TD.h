@@ -72,6 +72,7 @@ private:
 /// The descriptors of a message, four at the most: an attribute of its root.
 class VELMARA_EXPORT TDProperties : public MPartAttribute {
 public:
+    /// What comes behind the fourth text is not described.
     static constexpr size_t maxDescriptors = 4;
 
     TDProperties();
@@ -83,6 +84,7 @@ public:
     /// a fifth descriptor, add nothing.
     void addText(Buffer const& text, std::string const& charset);
 
+    /// In the order in which the texts were added.
     std::vector<Ref<TD>>& descriptors() { return m_descriptors; }
     std::vector<Ref<TD>> const& descriptors() const { return m_descriptors; }
 

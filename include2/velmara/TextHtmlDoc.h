@@ -30,14 +30,18 @@ public:
     /// A foreground on a background.
     class VELMARA_EXPORT Colour {
     public:
+        /// Black on black, which cannot be seen.
         Colour() = default;
+        /// The two as they are given.
         Colour(RgbColour const& foreground, RgbColour const& background);
         Colour(Colour const&) = default;
         Colour& operator=(Colour const&) = default;
         virtual ~Colour();
 
+        /// Whether the eye can tell them apart.
         bool isVisible() const { return foreground.isVisible(background); }
 
+        /// Of the text, and of what lies behind it.
         RgbColour foreground;
         RgbColour background;
     };

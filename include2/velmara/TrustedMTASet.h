@@ -21,11 +21,13 @@ public:
     std::set<IPAddressMask>::const_iterator mtafind(IPAddress const& address) const;
     std::set<IPAddressMask>::const_iterator antispamMtaFind(IPAddress const& address) const;
 
+    /// In the one set, or the other.
     bool isTrustedMTA(IPAddress const& address) const;
     bool isTrustedAntiSpamMTA(IPAddress const& address) const;
     /// In either set.
     bool isTrusted(IPAddress const& address) const;
 
+    /// Networks of hosts whose "Received" headers are believed, and of those that filter.
     std::set<IPAddressMask> trustedMTAs;
     std::set<IPAddressMask> trustedAntiSpamMTAs;
 };

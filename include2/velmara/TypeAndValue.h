@@ -20,12 +20,14 @@ public:
     /// Equal type and value, to the byte.
     virtual bool operator==(TypeAndValueImpl const& other) const;
 
+    /// As it stands; nothing is trimmed or folded.
     std::string const& type() const { return m_type; }
     std::string const& value() const { return m_value; }
     void type(std::string const& text) { m_type = text; }
     void value(std::string const& text) { m_value = text; }
 
 protected:
+    /// As the handle gives it.
     std::string m_type;
     mutable std::string m_value; // a lazy parse may mend it: see ContentType
 };

@@ -45,6 +45,7 @@ template <class Handle, class Impl, class Base = Header> class VELMARA_EXPORT Ty
 public:
     /// The class-wide name, also of a null handle.
     std::string const& type() const override { return Handle::htype; }
+    /// One that has the name and no value.
     HeaderImpl* newImpl() override { return new Impl; }
     /// Takes the value of a header of the same name: see Header::assignValue.
     Header& operator=(Header const& other) override
@@ -52,6 +53,7 @@ public:
         this->assignValue(other);
         return *this;
     }
+    /// Shares the implementation.
     virtual Handle& operator=(Handle const& other) = 0;
 
 protected:
@@ -66,6 +68,7 @@ protected:
     TypedHeader(TypedHeader const&) = default;
     TypedHeader& operator=(TypedHeader const&) = default;
 
+    /// What this handle points at; it must not be null.
     Impl const& impl() const { return this->template implementation<Impl>(); }
 };
 

@@ -21,6 +21,7 @@ public:
     /// Throws Exception (code 5) where no scheme can be read. Control characters count as absent.
     Uri(std::string const& text);
 
+    /// As it was given.
     std::string const& asString() const { return m_text; }
     /// In lower case, without the colon.
     std::string const& scheme() const { return m_scheme; }
@@ -78,7 +79,7 @@ private:
 ///
 /// A URI begins at a scheme: any name and "://", a web scheme and slashes of either kind, or one of the
 /// few schemes that need none ("mailto:"); or at "www.". It ends at white space, a control character,
-/// one of `<>"` and the back quote, Unicode spaces, quotes and brackets, or ahead of another URI behind
+/// "<", ">", a double or a back quote, Unicode spaces, quotes and brackets, or ahead of another URI behind
 /// one of ",;|". Punctuation behind it (".,;:!?" and a closing bracket or quote without its partner) is
 /// not part of it. A URI inside another one's query belongs to that one.
 ///

@@ -14,6 +14,7 @@ class VELMARA_EXPORT Utf2lang {
 public:
     Utf2lang();
 
+    /// What the scan found; at most one is set.
     bool chinese = false;
     bool japanese = false;
     bool korean = false;

@@ -14,6 +14,7 @@ namespace Velmara {
 class VELMARA_EXPORT VMRStaticCharSetFallbacks : virtual public RefImpl {
 public:
     ~VMRStaticCharSetFallbacks() override;
+    /// In the order in which they are tried.
     virtual std::list<std::string> const& charsets() const = 0;
 };
 

@@ -22,6 +22,7 @@ namespace Velmara {
 class VELMARA_EXPORT RefImpl {
 public:
     RefImpl() : count(1) {}
+    /// A copy belongs to its own first holder, and an assignment leaves the count alone.
     RefImpl(RefImpl const&) : count(1) {}
     RefImpl& operator=(RefImpl const&) { return *this; }
     virtual ~RefImpl();
