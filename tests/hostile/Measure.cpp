@@ -27,7 +27,7 @@ namespace Velmara::Hostile {
 
 namespace {
 
-constexpr double _firstTime = 20e6;         // nanoseconds of the run at n
+double _firstTime = 20e6;                   // nanoseconds of the run at n
 constexpr size_t _firstSize = 16 * 1024;    // where the search for n begins
 constexpr size_t _largestSize = 64u << 20;  // n of what is never slow
 constexpr double _mostGrowth = 5;           // of the time from n to 4n
@@ -247,8 +247,9 @@ int runOne(std::string const& name, std::string const& path)
     return 0;
 }
 
-int measure(std::string const& filter)
+int measure(std::string const& filter, double firstMilliseconds)
 {
+    _firstTime = firstMilliseconds * 1e6;
     std::printf("%-55s %9s %8s %8s %8s %6s %8s %8s\n", "case", "bytes n", "ms n", "ms 2n", "ms 4n", "growth", "ns/byte",
                 "KiB more");
     std::vector<std::string> failed;

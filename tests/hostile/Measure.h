@@ -34,8 +34,9 @@ std::string outputOf(std::vector<std::string> const& arguments);
 /// that of the process it was started from.
 unsigned long peakMemory();
 
-/// `velmara_hostile measure [FILTER]`: the table; 1 if a case is beyond its bounds.
-int measure(std::string const& filter);
+/// `velmara_hostile measure [FILTER [MS]]`: the table, with an n that takes that many milliseconds; 1 if a case
+/// is beyond its bounds.
+int measure(std::string const& filter, double firstMilliseconds);
 /// `velmara_hostile run NAME FILE`: one case in a process of its own.
 int runOne(std::string const& name, std::string const& path);
 
