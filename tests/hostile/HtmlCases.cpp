@@ -85,6 +85,9 @@ std::vector<Case> htmlCases()
                            "");
          },
          _htmlWithItsOwnCharset},
+        {"html/text-read-again-behind-a-guessed-charset",
+         [](size_t n) { return filled(n, "<p>" + repeated(n / 2, "a") + "\xE4", "</html>x", ""); }, _html, false,
+         Output, "behind each </html> the walk goes on where libxml2 counts anew, at text that it has given already"},
         {"html/charsets-declared-again", [](size_t n) { return filled(n, "", "<meta charset=utf-8><p>x", ""); },
          _htmlWithItsOwnCharset},
         {"html/html-tags", [](size_t n) { return filled(n, "", "<html>", "x"); }, _html},
