@@ -35,7 +35,7 @@ constexpr double _mostPerByte = 1000;       // nanoseconds
 constexpr unsigned long _mostMemory = 2048; // KiB more at 4n than at n, where memory is flat
 constexpr double _enoughTime = 100e6;       // of the runs together
 constexpr int _leastRuns = 2, _enoughRuns = 5;
-constexpr int _attempts = 4;
+constexpr int _attempts = 6;
 
 double _threadTime()
 {
@@ -137,7 +137,7 @@ Row _measure(Case const& one)
     for (int i = 1; i < _attempts && !row.complaint(one).empty(); ++i) {
         Row const again = _measureOnce(one, size);
         row.improve(again);
-        if (row.complaint(one).empty() || size * 3 > _largestSize) continue;
+        if (row.complaint(one).empty() || one.bound == Output || size * 3 > _largestSize) continue;
         size *= 3;
         row = _measureOnce(one, size);
     }

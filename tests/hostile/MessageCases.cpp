@@ -64,6 +64,11 @@ std::vector<Case> messageCases()
              return _plain("Content-Transfer-Encoding: quoted-printable\n\n", n, "=3D=\r\n=e4 \t \r\n=XY=\n");
          },
          readBodies, true},
+        {"message/quoted-printable-line-cut-in-an-escape",
+         [](size_t n) {
+             return _plain("Content-Transfer-Encoding: quoted-printable\n\n" + repeated(4094, "x") + "=Z", n, "x\n");
+         },
+         readBodies, false, Output, "an escape that a cut line ends with is delivered again with each line behind it"},
         {"message/uuencoded-body",
          [](size_t n) {
              return _plain("Content-Transfer-Encoding: x-uuencode\n\nbegin 644 a\n", n, "M" + repeated(60, "5") + "\n");

@@ -504,11 +504,16 @@ void sign(Input const& input, Sink& sink)
 void readTokens(Input const& input, Sink& sink, char const* charset)
 {
     loadWords();
-    TD const tokens(input.text(), charset);
-    _put(sink, tokens);
-    Utf2lang scripts;
-    scripts.proc(input.text());
-    for (bool const found : {scripts.chinese, scripts.japanese, scripts.korean, scripts.russian}) sink.number(found);
+    constexpr size_t piece = 50 * 8000; // of one text, no more than 50 lines count
+    std::string const& text = input.text();
+    for (size_t at = 0; at < text.size(); at += piece) {
+        std::string const one = text.substr(at, piece);
+        _put(sink, TD(one, charset));
+        Utf2lang scripts;
+        scripts.proc(one);
+        for (bool const found : {scripts.chinese, scripts.japanese, scripts.korean, scripts.russian})
+            sink.number(found);
+    }
 }
 
 void detectType(Input const& input, Sink& sink)
@@ -530,6 +535,15 @@ void writeThrough(Input const& input, Sink& sink, MediaOut (*stage)(MediaOut con
     MediaIn in = input.media();
     Buffer bytes(static_cast<int>(block), 0);
     while (in.read(bytes, block) > 0) out.write(bytes);
+    out.end();
+}
+
+void writeLinesThrough(Input const& input, Sink& sink, MediaOut (*stage)(MediaOut const& out))
+{
+    MediaOut out = stage(_toSink(sink));
+    MediaIn in = input.media();
+    Buffer line(4096, 0);
+    for (in.readline(line); !line.isEmpty(); in.readline(line)) out.write(line);
     out.end();
 }
 

@@ -44,7 +44,7 @@ void readHtmlBody(Input const& input, Sink& sink);
 
 /// Signatures as of a text, as HTML, as an image and as a binary.
 void sign(Input const& input, Sink& sink);
-/// The semantic tokens of a text.
+/// The semantic tokens of texts, which the input is cut into.
 void readTokens(Input const& input, Sink& sink, char const* charset);
 /// The type by name and content, by both databases. Where they are missing, that is what comes out.
 void detectType(Input const& input, Sink& sink);
@@ -52,6 +52,8 @@ void detectType(Input const& input, Sink& sink);
 /// Gives the input, block by block, to a stage of the way from a body to a text; what comes out is
 /// taken without being kept.
 void writeThrough(Input const& input, Sink& sink, MediaOut (*stage)(MediaOut const& out), unsigned int block);
+/// The same line by line, as bodies are decoded.
+void writeLinesThrough(Input const& input, Sink& sink, MediaOut (*stage)(MediaOut const& out));
 template <class Stage> MediaOut through(MediaOut const& out)
 {
     return Stage(out);
