@@ -85,7 +85,8 @@ size_t _sizeFor(Case const& one)
     while (size < _largestSize) {
         double const time = std::max(_run(one, size).nanoseconds, 1.0);
         if (time >= _firstTime) break;
-        double const factor = std::min(std::max(1.15 * _firstTime / time, 1.25), 16.0);
+        double const most = one.bound == Output ? 2 : 16; // what grows with the square is soon too large
+        double const factor = std::min(std::max(1.15 * _firstTime / time, 1.25), most);
         size = std::min(static_cast<size_t>(static_cast<double>(size) * factor), _largestSize);
     }
     return size;
