@@ -10,7 +10,7 @@ using namespace Velmara;
 
 namespace {
 
-constexpr size_t _blockSize = 16 * 1024;
+constexpr size_t _blockSize = 16u << 10;
 constexpr unsigned int _lineSize = 4096;
 constexpr unsigned int _lineOfHeader = 128;
 

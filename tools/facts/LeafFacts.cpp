@@ -25,10 +25,10 @@ using namespace Velmara;
 
 namespace {
 
-constexpr size_t _typeLooksAt = 64 * 1024; // as `velmara type`
+constexpr size_t _typeLooksAt = 64u << 10; // as `velmara type`
 
 /// More than what tokens are made of: 80 lines of 8095 bytes.
-constexpr std::uint64_t _mostText = 1024 * 1024;
+constexpr std::uint64_t _mostText = 1u << 20;
 
 constexpr char const* _defaultCharset = "us-ascii";
 

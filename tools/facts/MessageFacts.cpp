@@ -303,7 +303,7 @@ void _read(MediaIn& media, CappedSource& source, Deadline const& deadline, Limit
 
 } // namespace
 
-MessageFacts factsOf(MediaIn source, Limits const& limits, Wanted const& wanted)
+MessageFacts factsOf(MediaIn const& source, Limits const& limits, Wanted const& wanted)
 {
     MessageFacts facts;
     Deadline const deadline(limits.time);

@@ -153,7 +153,7 @@ struct Wanted {
 /// Reads a message. Whatever the bytes are, some facts come out; of a message beyond the limits, those
 /// that were read so far, with `capped` set. Throws only what the medium throws, and std::bad_alloc.
 /// Safe from several threads at once, each with a medium of its own.
-MessageFacts factsOf(Velmara::MediaIn source, Limits const& limits = {}, Wanted const& wanted = {});
+MessageFacts factsOf(Velmara::MediaIn const& source, Limits const& limits = {}, Wanted const& wanted = {});
 
 /// The facts as the documented JSON object of one message (docs/json.md).
 Json jsonOf(MessageFacts const& facts);
