@@ -218,7 +218,7 @@ def check_interrupt(verb, folder):
         return
     process = subprocess.Popen([VELMARA, verb.name, *verb.output(), "-", *verb.further()], cwd=folder, stdin=subprocess.PIPE,
                                stdout=subprocess.DEVNULL, stderr=subprocess.PIPE)
-    process.stdin.write(b"Subject: a\n\nhalf of a mail")
+    process.stdin.write(b"{" if verb.name == "group" else b"Subject: a\n\nhalf of a mail")
     process.stdin.flush()
     time.sleep(0.2)  # that it may have begun; interrupted ahead of that, it has to end likewise
     end_by_interrupt(process, "%s ends quietly when interrupted while it reads" % verb.name)

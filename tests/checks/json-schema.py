@@ -20,7 +20,7 @@ DEFINITIONS = SCHEMA["$defs"]
 
 # Options with which a verb says most; those that are not here have none.
 OPTIONS = {"tree": [[], ["--headers"]], "headers": [["--all"], ["--raw", "--all"]], "type": [[], ["--explain"]],
-           "route": [["--trusted", "192.0.2.0/24"]], "sign": [["--show-extract"]] + [["--as", kind, "--show-extract"] for kind in (
+           "route": [["--trusted", "192.0.2.0/24"]], "group": [["--min", "1"]], "sign": [["--show-extract"]] + [["--as", kind, "--show-extract"] for kind in (
                "html", "text", "png", "gif", "jpeg", "binary")]}
 
 HOSTILE = {

@@ -4,7 +4,6 @@
 #include <iostream>
 #include <memory>
 #include <string>
-#include <utility>
 #include <vector>
 
 #include <velmara/Velmara.h>
@@ -30,7 +29,7 @@ HtmlFacts _read(MediaIn body)
 {
     HtmlWanted wanted;
     wanted.heedDeclaration = false; // as for the text of an analysis
-    return readHtml(std::move(body), wanted).facts;
+    return readHtml(body, wanted).facts;
 }
 
 std::string _asText(int const (&colour)[3])
