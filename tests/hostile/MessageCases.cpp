@@ -66,7 +66,8 @@ std::vector<Case> messageCases()
          readBodies, true},
         {"message/quoted-printable-line-cut-in-an-escape",
          [](size_t n) {
-             return _plain("Content-Transfer-Encoding: quoted-printable\n\n" + repeated(4094, "x") + "=Z", n, "x\n");
+             return _plain("Content-Transfer-Encoding: quoted-printable\n\n" + repeated(4094, "x") + "=Z", n,
+                           repeated(63, "x") + "\n");
          },
          readBodies, false, Output, "an escape that a cut line ends with is delivered again with each line behind it"},
         {"message/uuencoded-body",
