@@ -176,6 +176,52 @@ TEST(MessageFactsLimits, PartsBeyondTheLimitAreNotRead)
     EXPECT_EQ("", _factsOf(mail, limits).capped);
 }
 
+TEST(MessageFactsLimits, LinesOfHeadersBeyondTheLimitAreNotRead)
+{
+    Limits limits;
+    limits.items = 3;
+    MessageFacts const facts = _factsOf("A: 1\nB: 2\n 3\nC: 4\n\ntext", limits);
+    EXPECT_EQ("items", facts.capped);
+    EXPECT_EQ(13u, facts.bytes);
+    ASSERT_EQ(1u, facts.parts.size());
+    EXPECT_EQ(2u, facts.parts[0].headers.size());
+    limits.items = 4;
+    EXPECT_EQ("", _factsOf("A: 1\nB: 2\n 3\nC: 4\n\ntext", limits).capped);
+}
+
+TEST(MessageFactsLimits, HeadersOfAllPartsCountTogether)
+{
+    Limits limits;
+    limits.items = 5; // two stand in front
+    std::string const mail = _mixed("--b\nA: 1\n\n1\n--b\nB: 2\nC: 3\nD: 4\n\n2\n--b--\n");
+    EXPECT_EQ("items", _factsOf(mail, limits).capped);
+    limits.items = 6;
+    EXPECT_EQ("", _factsOf(mail, limits).capped);
+}
+
+TEST(MessageFactsLimits, ALongHeaderCountsAsMany)
+{
+    Limits limits;
+    limits.items = 100;
+    MessageFacts const facts = _factsOf("A: " + std::string(1000000, 'x') + "\n\ntext", limits);
+    EXPECT_EQ("items", facts.capped);
+    EXPECT_LT(facts.bytes, 20000u);
+    EXPECT_EQ("", _factsOf("A: " + std::string(10000, 'x') + "\n\ntext", limits).capped);
+}
+
+TEST(MessageFactsLimits, NoPartFollowsTooManyLinks)
+{
+    Limits limits;
+    limits.items = 5;
+    std::string const page =
+        "--b\nContent-Type: text/html\n\n<a href=http://a.example/>1</a><a href=http://b.example/>2</a>"
+        "<a href=http://c.example/>3</a><a href=http://d.example/>4</a><a href=http://e.example/>5</a>\n";
+    MessageFacts const facts = _factsOf(_mixed(page + "--b\n\n1\n--b--\n"), limits);
+    EXPECT_EQ("items", facts.capped);
+    EXPECT_EQ(5u, _part(facts, "1.1").html->links.size());
+    EXPECT_EQ(3u, facts.parts.size()) << "the multipart, its preamble and the page";
+}
+
 namespace {
 
 /// Gives a line again and again, slowly.

@@ -14,7 +14,7 @@ using namespace Velmara;
 
 namespace {
 
-constexpr std::uint64_t _mostKept = 16 * 1024 * 1024;
+constexpr std::uint64_t _mostKept = 16u << 20;
 constexpr int _lineSize = 4096; // that of DecodeMediaIn
 
 /// Where decoded bytes go.
@@ -38,7 +38,7 @@ public:
     bool closed = false; // nothing more is kept
 
 private:
-    static constexpr std::uint64_t _checkedEvery = 64 * 1024;
+    static constexpr std::uint64_t _checkedEvery = 64u << 10;
 
     BodyBytes& m_body;
     Deadline const& m_deadline;

@@ -10,8 +10,9 @@ using namespace Velmara;
 
 namespace {
 
-constexpr size_t _blockSize = 16 * 1024;
+constexpr size_t _blockSize = 16u << 10;
 constexpr unsigned int _lineSize = 4096;
+constexpr unsigned int _lineOfHeader = 128;
 
 bool _isBlank(Buffer const& line)
 {
@@ -60,8 +61,23 @@ bool CappedSource::isCut() const
     return m_left == 0 && m_at == m_end && !m_inner.atEnd();
 }
 
+/// Only the end of the block may still follow.
+bool CappedSource::headersAreFull()
+{
+    if (m_headerLinesLeft > 0 || !m_notesStarts || !more()) return false;
+    return !m_lineIsWhole || (*m_at != '\r' && *m_at != '\n');
+}
+
+void CappedSource::cutInHeaders()
+{
+    m_isCutInHeaders = true;
+    m_left = 0;
+    m_at = m_end;
+}
+
 void CappedSource::readline(Buffer& line)
 {
+    if (headersAreFull()) cutInHeaders();
     line.length(0);
     if (line.size() == 0) line.size(_lineSize);
     m_lineBegin = m_position;
@@ -93,6 +109,8 @@ void CappedSource::noteHeader(Buffer const& line)
 {
     constexpr unsigned int start = 256;
     if (m_lineIsWhole && line.at(0) != ' ' && line.at(0) != '\t') m_starts.push_back(m_lineBegin);
+    std::uint64_t const lines = (_isBlank(line) ? 0 : 1) + line.length() / _lineOfHeader;
+    m_headerLinesLeft -= std::min(m_headerLinesLeft, lines);
     m_lineStart.assign(reinterpret_cast<char const*>(line.data()), std::min(line.length(), start));
 }
 

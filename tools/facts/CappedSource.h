@@ -2,6 +2,7 @@
 
 #include <chrono>
 #include <cstdint>
+#include <limits>
 #include <memory>
 #include <string>
 #include <vector>
@@ -53,6 +54,12 @@ public:
     /// The beginning of the last line that was read meanwhile, without white space behind it.
     std::string lineStart() const;
 
+    /// Ends behind `most` lines of headers, of all header blocks together, unless their block ends there too. A
+    /// long line counts as another one for each 128 bytes.
+    void limitHeaderLines(std::uint64_t most) { m_headerLinesLeft = most; }
+    /// It ended there.
+    bool isCutInHeaders() const { return m_isCutInHeaders; }
+
     /// Bytes of the medium lie behind the last one that is delivered.
     bool isCut() const;
 
@@ -65,6 +72,8 @@ public:
 
 private:
     bool more();
+    bool headersAreFull();
+    void cutInHeaders();
     void note(Velmara::Buffer const& line);
     void noteHeader(Velmara::Buffer const& line);
 
@@ -83,6 +92,8 @@ private:
     bool m_notesStarts = false;
     std::vector<std::uint64_t> m_starts;
     std::string m_lineStart;
+    std::uint64_t m_headerLinesLeft = std::numeric_limits<std::uint64_t>::max();
+    bool m_isCutInHeaders = false;
 };
 
 } // namespace VelmaraCommand

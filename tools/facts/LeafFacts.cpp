@@ -25,10 +25,10 @@ using namespace Velmara;
 
 namespace {
 
-constexpr size_t _typeLooksAt = 64 * 1024; // as `velmara type`
+constexpr size_t _typeLooksAt = 64u << 10; // as `velmara type`
 
 /// More than what tokens are made of: 80 lines of 8095 bytes.
-constexpr std::uint64_t _mostText = 1024 * 1024;
+constexpr std::uint64_t _mostText = 1u << 20;
 
 constexpr char const* _defaultCharset = "us-ascii";
 
@@ -130,10 +130,10 @@ public:
     void write(uchar_t const* bytes, uint_t n) override
     {
         if ((++m_writes & 63) == 0) m_deadline.check();
-        count += n;
+        total += n;
         text.append(reinterpret_cast<char const*>(bytes), std::min<std::uint64_t>(n, _mostText - text.size()));
     }
-    std::uint64_t count = 0;
+    std::uint64_t total = 0;
     std::string text;
 
 private:
@@ -159,7 +159,7 @@ Converted _convert(std::string const& bytes, std::string const& charset, Deadlin
     converter.end();
     result.undecodable = converter.ferrCnt();
     result.unencodable = converter.terrCnt();
-    result.bytes = sink->count;
+    result.bytes = sink->total;
     result.text = std::move(sink->text);
     return result;
 }

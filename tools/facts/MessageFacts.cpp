@@ -28,7 +28,9 @@ using namespace Velmara;
 
 namespace {
 
-struct TooManyParts {};
+struct BeyondLimit {
+    char const* name;
+};
 
 // ---- headers ----------------------------------------------------------------------------------
 
@@ -141,7 +143,8 @@ private:
 
     size_t start(MimePart& part, std::string const& path, unsigned int depth)
     {
-        if (m_limits.parts != 0 && m_facts.parts.size() >= m_limits.parts) throw TooManyParts{};
+        if (m_limits.parts != 0 && m_facts.parts.size() >= m_limits.parts) throw BeyondLimit{"parts"};
+        if (m_limits.items != 0 && m_items >= m_limits.items) throw BeyondLimit{"items"};
         m_facts.parts.emplace_back();
         PartFacts& facts = m_facts.parts.back();
         facts.path = path;
@@ -244,6 +247,13 @@ private:
             addLeafFacts(part.headers(), m_body, m_wanted, m_deadline, facts);
         else
             addPlainText(m_body, m_wanted, facts);
+        countItems(facts);
+    }
+
+    void countItems(PartFacts const& facts)
+    {
+        if (facts.text) m_items += facts.text->tokens.size();
+        if (facts.html) m_items += facts.html->links.size() + facts.html->images.size();
     }
 
     void noteEnding(PartFacts& facts)
@@ -265,6 +275,7 @@ private:
     Limits const& m_limits;
     Wanted const& m_wanted;
     MessageFacts& m_facts;
+    std::uint64_t m_items = 0;
     std::vector<OpenMultipart> m_open;
     BodyBytes m_body; // of the part at hand
 };
@@ -279,8 +290,8 @@ void _read(MediaIn& media, CappedSource& source, Deadline const& deadline, Limit
     try {
         _readHeaders(message->root()->headers(), facts);
         reader.read(*message->root(), "1", 0);
-    } catch (TooManyParts const&) {
-        facts.capped = "parts";
+    } catch (BeyondLimit const& limit) {
+        facts.capped = limit.name;
     } catch (OutOfTime const&) {
         facts.capped = "time";
     }
@@ -292,18 +303,20 @@ void _read(MediaIn& media, CappedSource& source, Deadline const& deadline, Limit
 
 } // namespace
 
-MessageFacts factsOf(MediaIn source, Limits const& limits, Wanted const& wanted)
+MessageFacts factsOf(MediaIn const& source, Limits const& limits, Wanted const& wanted)
 {
     MessageFacts facts;
     Deadline const deadline(limits.time);
     auto* capped = new CappedSource(source, limits.bytes, deadline);
     MediaIn media(capped, false);
+    if (limits.items != 0) capped->limitHeaderLines(limits.items);
     try {
         _read(media, *capped, deadline, limits, wanted, facts);
     } catch (OutOfTime const&) {
         facts.capped = "time"; // ahead of the first part
     }
     facts.bytes = capped->tell();
+    if (facts.capped.empty() && capped->isCutInHeaders()) facts.capped = "items";
     if (facts.capped.empty() && capped->isCut()) facts.capped = "bytes";
     return facts;
 }

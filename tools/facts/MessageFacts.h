@@ -132,13 +132,14 @@ struct MessageFacts {
     std::vector<Hop> route;
     std::vector<PartFacts> parts; // in message order, the root first
     std::vector<Finding> findings;
-    std::string capped; // "": whole; "bytes", "parts" or "time": what follows the cap was not read
+    std::string capped; // "": whole; "bytes", "parts", "items" or "time": what follows the cap was not read
 };
 
 /// How far a reader goes. 0 is no limit.
 struct Limits {
     std::uint64_t bytes = 0;
     std::uint64_t parts = 0;
+    std::uint64_t items = 0; // lines of headers; and links, images and tokens, which are counted in front of each part
     std::chrono::milliseconds time{0};
 };
 
@@ -152,7 +153,7 @@ struct Wanted {
 /// Reads a message. Whatever the bytes are, some facts come out; of a message beyond the limits, those
 /// that were read so far, with `capped` set. Throws only what the medium throws, and std::bad_alloc.
 /// Safe from several threads at once, each with a medium of its own.
-MessageFacts factsOf(Velmara::MediaIn source, Limits const& limits = {}, Wanted const& wanted = {});
+MessageFacts factsOf(Velmara::MediaIn const& source, Limits const& limits = {}, Wanted const& wanted = {});
 
 /// The facts as the documented JSON object of one message (docs/json.md).
 Json jsonOf(MessageFacts const& facts);

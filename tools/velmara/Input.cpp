@@ -17,14 +17,6 @@ namespace VelmaraCommand {
 
 namespace {
 
-/// The library's exceptions carry "PATH: REASON" where a file is at fault.
-std::string _reason(Velmara::Exception const& failure, std::string const& path)
-{
-    std::string const& detail = failure.stringParameter();
-    if (detail.empty()) return failure.asString();
-    return detail.compare(0, path.size() + 2, path + ": ") == 0 ? detail.substr(path.size() + 2) : detail;
-}
-
 [[noreturn]] void _fail(int error)
 {
     Velmara::Exception failure("read", 6, nullptr, 0);
@@ -75,7 +67,7 @@ int _forEachLineOfStandardIn(std::function<void(std::string const&)> const& work
             line += rest;
         }
     } catch (Velmara::Exception const& failure) {
-        complain(_standardIn, _reason(failure, _standardIn));
+        complain(_standardIn, reasonOf(failure, _standardIn));
         return WrongUseOrUnreadable;
     }
     if (!line.empty()) _giveLine(line, work);
@@ -98,6 +90,13 @@ std::string _readPipe(std::string const& path)
 }
 
 } // namespace
+
+std::string reasonOf(Velmara::Exception const& failure, std::string const& path)
+{
+    std::string const& detail = failure.stringParameter();
+    if (detail.empty()) return failure.asString();
+    return detail.compare(0, path.size() + 2, path + ": ") == 0 ? detail.substr(path.size() + 2) : detail;
+}
 
 std::string readStandardIn()
 {
@@ -132,7 +131,7 @@ int forEachInput(std::vector<std::string> const& paths, std::function<int(Input&
             Input input(path);
             status = std::max(status, work(input));
         } catch (Velmara::Exception const& failure) {
-            complain(path == "-" ? _standardIn : path, _reason(failure, path));
+            complain(path == "-" ? _standardIn : path, reasonOf(failure, path));
             status = WrongUseOrUnreadable;
         }
     }

@@ -4,6 +4,7 @@
 #include <string>
 #include <vector>
 
+#include <velmara/Exception.h>
 #include <velmara/MediaIn.h>
 
 namespace VelmaraCommand {
@@ -37,6 +38,9 @@ std::string readStandardIn();
 /// standard input as it arrives, without its line end. Standard input that cannot be read gets a line on
 /// standard error.
 int forEachLine(std::vector<std::string> const& texts, std::function<void(std::string const&)> const& work);
+
+/// Why a file could not be read or written, without the path ahead of it that the library puts there.
+std::string reasonOf(Velmara::Exception const& failure, std::string const& path);
 
 /// One line on standard error: "velmara: PLACE: REASON". Control characters are shown as in all output,
 /// for file names are chosen by others too.

@@ -26,6 +26,7 @@ void addInspect(CLI::App& commandLine, Action& action);
 void addLinks(CLI::App& commandLine, Action& action);
 void addNames(CLI::App& commandLine, Action& action);
 void addReply(CLI::App& commandLine, Action& action);
+void addReport(CLI::App& commandLine, Action& action);
 void addRoute(CLI::App& commandLine, Action& action);
 void addScan(CLI::App& commandLine, Action& action);
 void addSelfTest(CLI::App& commandLine, Action& action);

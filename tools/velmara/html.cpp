@@ -4,6 +4,7 @@
 #include <iostream>
 #include <memory>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include <velmara/Velmara.h>
@@ -29,7 +30,7 @@ HtmlFacts _read(MediaIn body)
 {
     HtmlWanted wanted;
     wanted.heedDeclaration = false; // as for the text of an analysis
-    return readHtml(body, wanted).facts;
+    return readHtml(std::move(body), wanted).facts;
 }
 
 std::string _asText(int const (&colour)[3])

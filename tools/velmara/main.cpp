@@ -23,8 +23,8 @@ using Velmara::Installation;
 
 /// In the order in which `--help` shows them.
 constexpr AddVerb _verbs[] = {
-    addInspect, addExplain, addTree, addBody,  addHeaders, addRoute, addDecode, addType,  addText,
-    addHtml,    addTokens,  addSign, addLinks, addReply,   addScan,  addGroup,  addNames, addSelfTest,
+    addInspect, addExplain, addReport, addTree,  addBody,  addHeaders, addRoute, addDecode, addType,     addText,
+    addHtml,    addTokens,  addSign,   addLinks, addReply, addScan,    addGroup, addNames,  addSelfTest,
 };
 
 /// What is wrong, and where to look. CLI11's own word for a verb that is missing or unknown is "subcommand".

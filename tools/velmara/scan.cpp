@@ -33,7 +33,7 @@ struct Options {
     std::string shard = "0/1";
     std::string output;
     bool resume = false, mbox = false;
-    std::uint64_t maxBytes = 64 * 1024 * 1024, maxParts = 1000;
+    std::uint64_t maxBytes = 64 * 1024 * 1024, maxParts = 1000, maxItems = 20000;
     double timeout = 0;
     std::uint64_t textBytes = 1024;
 };
@@ -96,9 +96,10 @@ bool _readShard(std::string const& text, ScanOptions& scan)
 /// Two runs with the same settings over the same input write the same lines.
 std::string _settingsOf(Options const& options)
 {
-    Json settings{{"fingerprint", fingerprint()}, {"paths", options.paths},          {"files0-from", options.list},
-                  {"shard", options.shard},       {"max-bytes", options.maxBytes},   {"max-parts", options.maxParts},
-                  {"timeout", options.timeout},   {"text-bytes", options.textBytes}, {"mbox", options.mbox}};
+    Json settings{{"fingerprint", fingerprint()},  {"paths", options.paths},        {"files0-from", options.list},
+                  {"shard", options.shard},        {"max-bytes", options.maxBytes}, {"max-parts", options.maxParts},
+                  {"max-items", options.maxItems}, {"timeout", options.timeout},    {"text-bytes", options.textBytes},
+                  {"mbox", options.mbox}};
     return settings.dump(-1, ' ', false, Json::error_handler_t::replace);
 }
 
@@ -148,6 +149,7 @@ private:
         Limits limits;
         limits.bytes = m_options.maxBytes;
         limits.parts = m_options.maxParts;
+        limits.items = m_options.maxItems;
         limits.time = std::chrono::milliseconds(static_cast<std::int64_t>(m_options.timeout * 1000));
         Wanted wanted;
         wanted.runs = false;
@@ -212,6 +214,10 @@ void _addOptions(CLI::App& verb, Options& options)
         ->transform(CLI::AsSizeValue(false))
         ->default_str("64M");
     verb.add_option("--max-parts", options.maxParts, "Read so many parts of a message; 0: all")->capture_default_str();
+    verb.add_option("--max-items", options.maxItems,
+                    "Read so many lines of headers, links, images and tokens of a message; "
+                    "0: all")
+        ->capture_default_str();
     verb.add_option("--timeout", options.timeout,
                     "Seconds for a message; 0: any time. Lines may then differ from "
                     "run to run")

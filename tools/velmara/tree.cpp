@@ -91,8 +91,8 @@ Json _jsonHeaders(MimePart& part)
 class CountingOutImpl : public MediaOutImpl {
 public:
     using MediaOutImpl::write;
-    void write(uchar_t const*, uint_t n) override { count += n; }
-    unsigned long count = 0;
+    void write(uchar_t const*, uint_t n) override { total += n; }
+    unsigned long total = 0;
 };
 
 unsigned long _decodedSize(MimePart& part)
@@ -101,7 +101,7 @@ unsigned long _decodedSize(MimePart& part)
     auto* counting = new CountingOutImpl;
     MediaOut out(counting, false);
     part.body(true).write(out);
-    return counting->count;
+    return counting->total;
 }
 
 Json _jsonOf(PartView const& view, bool headers)
