@@ -65,7 +65,7 @@ for input in mails mails.tar mails.tar.gz mails.zip mails.mbox.gz Maildir; do
 done
 "$velmara" scan - <mails.tar.gz 2>err | facts >facts.other
 same "the facts of an archive on standard input" facts.mbox facts.other
-cat mails.mbox | "$velmara" scan - 2>err | facts >facts.other
+"$velmara" scan - < <(cat mails.mbox) 2>err | facts >facts.other
 same "the facts of an mbox on a pipe" facts.mbox facts.other
 "$velmara" scan - <mails.zip 2>err | facts >facts.other
 same "the facts of a zip on standard input" facts.mbox facts.other
@@ -182,6 +182,9 @@ expect "many parts" 1 "$velmara" scan --max-parts 2 samples/newsletter.eml
 grep -q '"capped":"parts"' out || fail "many parts: the cap is not told"
 expect "many bytes" 1 "$velmara" scan --max-bytes 100 samples/newsletter.eml mails.tar
 [ "$(grep -c '"capped":"bytes"' out)" -eq 61 ] || fail "many bytes: the cap is not told"
+{ seq -f 'A%g: 1' 30; echo; } >headers.eml
+expect "many headers" 1 "$velmara" scan --max-items 10 headers.eml
+grep -q '"capped":"items"' out && grep -q '"A10"' out && ! grep -q '"A11"' out || fail "many headers: the cap is not told"
 expect "a size with a unit" 0 "$velmara" scan --max-bytes 1M samples/newsletter.eml
 expect "no cap" 0 "$velmara" scan --max-bytes 0 --max-parts 0 --timeout 0 samples/newsletter.eml
 expect "a time" 0 "$velmara" scan --timeout 100 samples/newsletter.eml
