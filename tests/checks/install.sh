@@ -19,6 +19,13 @@ for program in build/consumer/by-pkg-config build/consumer/cmake/consumer; do
     [ "$printed" = "Hello: 5 bytes" ] || { echo "$program printed: $printed" >&2; exit 1; }
 done
 
+# What tells people of the programs comes along.
+for program in velmara velmara-dict; do
+    for file in "share/man/man1/$program.1" "share/bash-completion/completions/$program" "bin/$program"; do
+        [ -s "$prefix/$file" ] || { echo "$file was not installed" >&2; exit 1; }
+    done
+done
+
 # Each public header can be included alone.
 for header in "$prefix"/include/velmara/*.h; do
     echo "#include <velmara/$(basename "$header")>" | g++ -std=c++17 -Wall -Wextra -Werror -I"$prefix/include" \
