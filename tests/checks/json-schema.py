@@ -195,7 +195,8 @@ def check_scan(files, folder):
     mails = b"".join(b"From a@b.example Mon Jan  1 00:00:00 2024\n" + file.read_bytes() + b"\n" for file in files)
     (folder / "archive.mbox").write_bytes(mails)
     subprocess.run(["tar", "-C", folder, "-cf", folder / "archive.tar", "parts"], check=True)
-    for words in (["archive.mbox"], ["archive.tar"], ["--max-bytes", "500", "archive.mbox"], ["--max-parts", "1", "archive.mbox"]):
+    for words in (["archive.mbox"], ["archive.tar"], ["--max-bytes", "500", "archive.mbox"], ["--max-parts", "1", "archive.mbox"],
+                  ["--max-items", "3", "archive.mbox"]):
         list(check_lines("scan", output_of("scan", *words, cwd=folder), "scan " + " ".join(words)))
 
 
