@@ -22,7 +22,7 @@ struct Reason {
 };
 
 constexpr Reason _reasons[] = {
-    {Run::HiddenByColour, "its colour is that of the background, to the eye"},
+    {Run::HiddenByColour, "its colour hardly differs from that of the background"},
     {Run::HiddenBySize, "font size 0"},
     {Run::HiddenByEarlierSize, "an earlier font size 0, and no colour set since"},
 };

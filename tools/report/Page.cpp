@@ -123,6 +123,7 @@ struct Cap {
 constexpr Cap _caps[] = {
     {"bytes", "The message is larger than what was to be read; what follows is not here."},
     {"parts", "The message has more parts than were to be read; the others are not here."},
+    {"items", "The message has more headers, links or words than were to be read; what follows is not here."},
     {"time", "Reading took longer than it was to; what was not read by then is not here."},
 };
 
