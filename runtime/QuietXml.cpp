@@ -3,13 +3,27 @@
 #include <libxml/globals.h>
 
 #include <cstring>
+#include <mutex>
 #include <new>
 
 namespace Velmara {
 
-QuietXml::QuietXml(xmlParserCtxt* parser)
-    : m_parser(parser), m_handler(xmlStructuredError), m_context(xmlStructuredErrorContext)
+namespace {
+
+/// What libxml2 sets up by itself when it is first used, it sets up with a race between threads.
+void _setUp()
 {
+    static std::once_flag once;
+    std::call_once(once, xmlInitParser);
+}
+
+} // namespace
+
+QuietXml::QuietXml(xmlParserCtxt* parser) : m_parser(parser)
+{
+    _setUp();
+    m_handler = xmlStructuredError;
+    m_context = xmlStructuredErrorContext;
     xmlSetStructuredErrorFunc(this, hear);
 }
 
