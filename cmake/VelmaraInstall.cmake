@@ -20,7 +20,7 @@ configure_file(${PROJECT_SOURCE_DIR}/cmake/velmara.pc.in ${PROJECT_BINARY_DIR}/v
 install(FILES ${PROJECT_BINARY_DIR}/velmara.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig COMPONENT development)
 
 file(GLOB velmara_documents ${PROJECT_SOURCE_DIR}/docs/*.md ${PROJECT_SOURCE_DIR}/docs/*.json)
-install(FILES ${velmara_documents} ${PROJECT_SOURCE_DIR}/CHANGELOG.md ${PROJECT_SOURCE_DIR}/ARCHITECTURE.md
+install(FILES ${velmara_documents} ${PROJECT_SOURCE_DIR}/CHANGELOG.md ${PROJECT_SOURCE_DIR}/ARCHITECTURE.md ${PROJECT_SOURCE_DIR}/SECURITY.md
     DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/libvelmara-dev COMPONENT development)
 file(GLOB velmara_examples ${PROJECT_SOURCE_DIR}/examples/*.cpp)
 install(FILES ${velmara_examples}

@@ -58,7 +58,7 @@ inside sh -c 'dpkg -i /tmp/*.deb' >build/clean-root.log 2>&1 || { cat build/clea
 [ "$(inside velmara --version)" = "$(build/package/bin/velmara --version)" ] || fail "the command has another version"
 inside velmara tree /tmp/newsletter.eml >build/clean-root.tree
 build/release/bin/velmara tree samples/newsletter.eml | diff - build/clean-root.tree || fail "the command gives another tree"
-inside velmara type /tmp/newsletter.eml | grep -q image/png || fail "the type database is not found"
+inside velmara inspect /tmp/newsletter.eml | grep -qE "image/png +the same" || fail "the type database is not found"
 inside velmara tokens /tmp/russian.eml | grep -qE ': [0-9]+ [0-9]+' || fail "the word lists are not found"
 
 inside sh -c 'cd /tmp && g++ -std=c++17 -Wall -Wextra -Werror scanner.cpp -o scanner $(pkg-config --cflags --libs velmara)' ||
