@@ -1,19 +1,7 @@
 #!/usr/bin/env bash
 # What people and scripts rely on in the command: exit statuses, complaints, JSON, no surprises on a pipe.
-set -u
-cd "$(dirname "${BASH_SOURCE[0]}")/../.."
-velmara=$PWD/build/release/bin/velmara
-failed=0
-work=$(mktemp -d)
-trap 'rm -rf "$work"' EXIT
+. "$(dirname "${BASH_SOURCE[0]}")/../support/check.sh"
 
-# expect WHAT STATUS COMMAND...: runs it, keeps its output in $work/out and $work/err.
-expect() {
-    local what=$1 status=$2 got=0
-    shift 2
-    "$@" >"$work/out" 2>"$work/err" </dev/null || got=$?
-    [ "$got" -eq "$status" ] || { echo "$what: status $got, not $status" >&2; cat "$work/err" >&2; failed=1; }
-}
 holds() {
     grep -qF -- "$2" "$work/$1" || { echo "$3: \"$2\" is not in the output" >&2; cat "$work/$1" >&2; failed=1; }
 }

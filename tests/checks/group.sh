@@ -1,24 +1,7 @@
 #!/usr/bin/env bash
 # `velmara group`: its output to the byte, what it refuses, and that neither memory nor the disk pay for a
 # large archive.
-set -u
-cd "$(dirname "${BASH_SOURCE[0]}")/../.."
-velmara=$PWD/build/release/bin/velmara
-work=$(mktemp -d)
-trap 'rm -rf "$work"' EXIT
-failed=0
-wrong() {
-    echo "group: $*" >&2
-    [ ! -s "$work/err" ] || cat "$work/err" >&2
-    failed=1
-}
-# expect WHAT STATUS ARGUMENTS...: runs the verb, keeps its output in $work/out and $work/err.
-expect() {
-    local what=$1 status=$2 got=0
-    shift 2
-    "$velmara" group "$@" >"$work/out" 2>"$work/err" || got=$?
-    [ "$got" -eq "$status" ] || wrong "$what: status $got, not $status"
-}
+. "$(dirname "${BASH_SOURCE[0]}")/../support/check.sh"
 complains() { grep -qxF -- "$2" "$work/err" || wrong "$1: \"$2\" is no complaint"; }
 silent() { [ ! -s "$work/$2" ] || wrong "$1: something was written to $2"; }
 
@@ -35,7 +18,7 @@ logo='{"path":"2","signature":{"kind":"gif","signature":"bb"}}'
     message 3 ann@a.example 'Summer' 1704067100 "$offer,$logo"
     message 4 eve@b.example 'Alone' 1704067100 '{"path":"1","signature":{"kind":"text","signature":"dd"}}'
 } >"$work/a.ndjson"
-expect "campaigns" 0 "$work/a.ndjson"
+expect "campaigns" 0 "$velmara" group "$work/a.ndjson"
 silent "campaigns" err
 cmp - "$work/out" <<'TEXT' || wrong "campaigns: not what they should be: $(cat "$work/out")"
 4 messages
@@ -74,15 +57,15 @@ link hosts: 2 groups
     hosts    img.example (3)
 TEXT
 
-expect "one kind" 0 --by image --top 1 "$work/a.ndjson"
+expect "one kind" 0 "$velmara" group --by image --top 1 "$work/a.ndjson"
 [ "$(sed -n 3,7p "$work/out")" = "$(printf '%s\n' 'image signatures: 1 group' '2 messages  bb' \
     '    dates    2023-12-31 23:58:20 UTC to 2024-01-01 00:00:00 UTC' '    from     ann@a.example (2)' \
     '    subject  Spring \x1B[31m (1), and 1 more')" ] || wrong "one kind: $(cat "$work/out")"
-expect "two kinds and a least size" 0 --by text,host --min 3 "$work/a.ndjson"
+expect "two kinds and a least size" 0 "$velmara" group --by text,host --min 3 "$work/a.ndjson"
 [ "$(grep -c ' messages  ' "$work/out")" -eq 3 ] || wrong "two kinds and a least size: $(cat "$work/out")"
-expect "messages that are alone" 0 --min 1 --by text "$work/a.ndjson"
+expect "messages that are alone" 0 "$velmara" group --min 1 --by text "$work/a.ndjson"
 grep -qx '1 message  dd' "$work/out" || wrong "a message that is alone: $(cat "$work/out")"
-expect "nothing" 0 /dev/null
+expect "nothing" 0 "$velmara" group /dev/null
 [ "$(cat "$work/out")" = "0 messages" ] || wrong "nothing: $(cat "$work/out")"
 
 "$velmara" group - "$work/a.ndjson" <"$work/a.ndjson" >"$work/out" || wrong "standard input: status $?"
@@ -97,45 +80,45 @@ tac "$work/a.ndjson" >"$work/turned.ndjson"
 # The samples as scan reads them.
 "$velmara" scan samples >"$work/samples.ndjson" || wrong "the samples cannot be scanned"
 "$velmara" scan -j 2 --shard 1/2 samples >"$work/shard1" && "$velmara" scan --shard 0/2 samples >"$work/shard0" || wrong "shards"
-expect "the samples" 0 --json "$work/samples.ndjson"
+expect "the samples" 0 "$velmara" group --json "$work/samples.ndjson"
 sort "$work/out" >"$work/whole"
-expect "shards of the samples" 0 --json "$work/shard1" "$work/shard0"
+expect "shards of the samples" 0 "$velmara" group --json "$work/shard1" "$work/shard0"
 sort "$work/out" | cmp - "$work/whole" || wrong "shards change the groups"
-expect "the hosts of the samples" 0 --by host --min 1 "$work/samples.ndjson"
+expect "the hosts of the samples" 0 "$velmara" group --by host --min 1 "$work/samples.ndjson"
 grep -q '^[0-9]* messages*  www.shop.example$' "$work/out" || wrong "the hosts of the samples: $(cat "$work/out")"
-expect "twice the samples" 0 --by text "$work/samples.ndjson" "$work/samples.ndjson"
+expect "twice the samples" 0 "$velmara" group --by text "$work/samples.ndjson" "$work/samples.ndjson"
 grep -qx '2 messages  62c3f32a1358b329f560765d4437d42f' "$work/out" || wrong "twice the samples: $(cat "$work/out")"
 
 # What does not belong together.
 sed 's/"fingerprint":"0/"fingerprint":"1/' "$work/a.ndjson" >"$work/b.ndjson"
-expect "other data" 2 "$work/a.ndjson" "$work/b.ndjson"
+expect "other data" 2 "$velmara" group "$work/a.ndjson" "$work/b.ndjson"
 complains "other data" "velmara: $work/b.ndjson:1: fingerprint 10000000000000000000000000000007, but $work/a.ndjson:1 has 00000000000000000000000000000007: such results cannot be compared; group them apart, or scan again with one version"
 silent "other data" out
 { head -2 "$work/a.ndjson"; echo; sed 's,velmara/1,velmara/2,;q' "$work/a.ndjson"; } >"$work/c.ndjson"
-expect "another schema" 2 "$work/c.ndjson"
+expect "another schema" 2 "$velmara" group "$work/c.ndjson"
 complains "another schema" "velmara: $work/c.ndjson:4: schema velmara/2, but $work/c.ndjson:1 has velmara/1: such results cannot be compared; group them apart, or scan again with one version"
 silent "another schema" out
 sed 's,velmara/1,velmara/2,' "$work/a.ndjson" >"$work/d.ndjson"
-expect "a schema of the future" 2 "$work/d.ndjson"
+expect "a schema of the future" 2 "$velmara" group "$work/d.ndjson"
 complains "a schema of the future" "velmara: $work/d.ndjson:1: schema velmara/2, but this version reads velmara/1"
 
 # What cannot be read.
 { echo '{"schema":'; cat "$work/a.ndjson"; head -c 100 "$work/a.ndjson"; } >"$work/cut.ndjson"
-expect "broken lines" 1 "$work/cut.ndjson"
+expect "broken lines" 1 "$velmara" group "$work/cut.ndjson"
 complains "broken lines" "velmara: $work/cut.ndjson:1: is no JSON, from byte 11 on"
 complains "broken lines" "velmara: $work/cut.ndjson:6: is no JSON, from byte 101 on"
 grep -qx '3 messages  aa' "$work/out" || wrong "broken lines cost others"
 seq 100000 100099 >"$work/numbers"
-expect "no lines of a scan" 1 "$work/numbers"
+expect "no lines of a scan" 1 "$velmara" group "$work/numbers"
 [ "$(wc -l <"$work/err")" -eq 11 ] || wrong "no lines of a scan: too many complaints"
 complains "no lines of a scan" "velmara: $work/numbers:10: is no line of velmara scan: no JSON object"
 complains "no lines of a scan" "velmara: $work/numbers: 90 more lines cannot be read"
-expect "missing files" 2 "$work/nowhere" "$work/a.ndjson" "$work"
+expect "missing files" 2 "$velmara" group "$work/nowhere" "$work/a.ndjson" "$work"
 complains "missing files" "velmara: $work/nowhere: No such file or directory"
 complains "missing files" "velmara: $work: Is a directory"
 grep -qx '3 messages  aa' "$work/out" || wrong "missing files cost others"
-expect "a kind that is none" 2 --by nonsense "$work/a.ndjson"
-expect "a size that is none" 2 --min 0 "$work/a.ndjson"
+expect "a kind that is none" 2 "$velmara" group --by nonsense "$work/a.ndjson"
+expect "a size that is none" 2 "$velmara" group --min 0 "$work/a.ndjson"
 
 # More than memory holds: 20,000 messages and five times as many.
 python3 - "$work" <<'PYTHON' || exit 1
@@ -170,7 +153,7 @@ grep -qx '201 messages  .*' "$work/out" || wrong "a large archive has not the ta
 [ $? -eq 2 ] || wrong "a full disk: status is not 2"
 complains "a full disk" "velmara: group: temporary files in $work/temporary: File too large; --temporary names another directory"
 silent "a full disk" out
-expect "no directory for temporary files" 2 --temporary "$work/nowhere" "$work/many"
+expect "no directory for temporary files" 2 "$velmara" group --temporary "$work/nowhere" "$work/many"
 complains "no directory for temporary files" "velmara: group: temporary files in $work/nowhere: No such file or directory; --temporary names another directory"
 [ -z "$(ls -A "$work/temporary")" ] || wrong "temporary files are left: $(ls -A "$work/temporary")"
 

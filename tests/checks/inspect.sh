@@ -1,20 +1,8 @@
 #!/usr/bin/env bash
 # What people read of one message: that `inspect` fits on a screen and marks what is not as it says, and
 # that `explain` names places that are right.
-set -u
-cd "$(dirname "${BASH_SOURCE[0]}")/../.."
-velmara=$PWD/build/release/bin/velmara
-failed=0
-work=$(mktemp -d)
-trap 'rm -rf "$work"' EXIT
+. "$(dirname "${BASH_SOURCE[0]}")/../support/check.sh"
 
-# expect WHAT STATUS COMMAND...: runs it, keeps its output in $work/out and $work/err.
-expect() {
-    local what=$1 status=$2 got=0
-    shift 2
-    "$@" >"$work/out" 2>"$work/err" </dev/null || got=$?
-    [ "$got" -eq "$status" ] || { echo "$what: status $got, not $status" >&2; cat "$work/err" >&2; failed=1; }
-}
 holds() {
     grep -qF -- "$1" "$work/out" || { echo "$2: \"$1\" is not in the output" >&2; cat "$work/out" >&2; failed=1; }
 }

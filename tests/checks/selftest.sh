@@ -1,15 +1,6 @@
 #!/usr/bin/env bash
 # The self-test holds here, its fingerprint is of what it prints, and it tells when something is wrong.
-set -u
-cd "$(dirname "${BASH_SOURCE[0]}")/../.."
-velmara=$PWD/build/release/bin/velmara
-work=$(mktemp -d)
-trap 'rm -rf "$work"' EXIT
-failed=0
-wrong() {
-    echo "selftest: $*" >&2
-    failed=1
-}
+. "$(dirname "${BASH_SOURCE[0]}")/../support/check.sh"
 
 "$velmara" selftest >"$work/text" || wrong "status $?"
 own=$(sed -n 's/^fingerprint  *//p' "$work/text")
