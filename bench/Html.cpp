@@ -3,28 +3,18 @@
 // files; without it generated newsletters stand in. The other measures are of input that must stay linear.
 #include <benchmark/benchmark.h>
 
-#include <algorithm>
 #include <cstdlib>
-#include <filesystem>
-#include <fstream>
-#include <iterator>
 #include <string>
 #include <vector>
 
 #include <libxml/HTMLparser.h>
 #include <velmara/Velmara.h>
 
+#include "bench/Inputs.h"
+
 using namespace Velmara;
 
 namespace {
-
-std::string repeated(size_t n, std::string const& text)
-{
-    std::string all;
-    all.reserve(n * text.size());
-    while (n-- > 0) all += text;
-    return all;
-}
 
 std::string newsletter(size_t rows)
 {
@@ -39,20 +29,9 @@ std::string newsletter(size_t rows)
 
 std::vector<std::string> loadBodies()
 {
+    if (char const* folder = std::getenv("VELMARA_HTML")) return filesBelow(folder);
     std::vector<std::string> bodies;
-    char const* folder = std::getenv("VELMARA_HTML");
-    if (!folder) {
-        for (size_t rows = 1; rows < 120; rows += 4) bodies.push_back(newsletter(rows));
-        return bodies;
-    }
-    std::vector<std::string> paths;
-    for (auto const& entry : std::filesystem::recursive_directory_iterator(folder))
-        if (entry.is_regular_file()) paths.push_back(entry.path());
-    std::sort(paths.begin(), paths.end());
-    for (std::string const& path : paths) {
-        std::ifstream in(path, std::ios::binary);
-        bodies.emplace_back(std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>());
-    }
+    for (size_t rows = 1; rows < 120; rows += 4) bodies.push_back(newsletter(rows));
     return bodies;
 }
 
@@ -60,13 +39,6 @@ std::vector<std::string> const& bodies()
 {
     static std::vector<std::string> const loaded = loadBodies();
     return loaded;
-}
-
-size_t bytesOf(std::vector<std::string> const& texts)
-{
-    size_t bytes = 0;
-    for (std::string const& text : texts) bytes += text.size();
-    return bytes;
 }
 
 void add(TextHtmlDoc& document, HtmlDocVisitor* visitor)

@@ -9,25 +9,16 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
-#include <filesystem>
-#include <fstream>
-#include <iterator>
 #include <string>
 #include <vector>
 
 #include <velmara/Velmara.h>
 
+#include "bench/Inputs.h"
+
 using namespace Velmara;
 
 namespace {
-
-std::string repeated(size_t n, std::string const& text)
-{
-    std::string all;
-    all.reserve(n * text.size());
-    while (n-- > 0) all += text;
-    return all;
-}
 
 std::string const line = std::string(76, 'x') + "\r\n";
 std::string const headers = "Return-Path: <writer@a.example>\r\n"
@@ -51,20 +42,9 @@ std::string attachment(size_t lines)
 
 std::vector<std::string> loadMails()
 {
+    if (char const* folder = std::getenv("VELMARA_MAILS")) return filesBelow(folder);
     std::vector<std::string> mails;
-    char const* folder = std::getenv("VELMARA_MAILS");
-    if (!folder) {
-        for (size_t i = 0; i < 200; ++i) mails.push_back(attachment(i));
-        return mails;
-    }
-    std::vector<std::string> paths;
-    for (auto const& entry : std::filesystem::recursive_directory_iterator(folder))
-        if (entry.is_regular_file()) paths.push_back(entry.path());
-    std::sort(paths.begin(), paths.end());
-    for (std::string const& path : paths) {
-        std::ifstream in(path, std::ios::binary);
-        mails.emplace_back(std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>());
-    }
+    for (size_t i = 0; i < 200; ++i) mails.push_back(attachment(i));
     return mails;
 }
 
@@ -72,13 +52,6 @@ std::vector<std::string> const& mails()
 {
     static std::vector<std::string> const loaded = loadMails();
     return loaded;
-}
-
-size_t bytesOf(std::vector<std::string> const& texts)
-{
-    size_t bytes = 0;
-    for (std::string const& text : texts) bytes += text.size();
-    return bytes;
 }
 
 size_t countLines(std::string const& text)
