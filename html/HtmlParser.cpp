@@ -24,6 +24,7 @@
 #include <velmara/StringOperations.h>
 
 #include "html/AttributeLimit.h"
+#include "html/NameDictionary.h"
 #include "runtime/Ascii.h"
 #include "runtime/QuietXml.h"
 
@@ -33,10 +34,6 @@ namespace HTML {
 namespace {
 
 constexpr int _options = HTML_PARSE_RECOVER | HTML_PARSE_NOERROR | HTML_PARSE_NOWARNING | HTML_PARSE_NOBLANKS;
-
-/// libxml2 stops adding names to a dictionary when all its blocks, each four times the one before, have
-/// more than this: 1000, 4000 and 16000 bytes.
-constexpr size_t _namesLimit = 20000;
 
 /// How far from the end of its input the parser must stop so that the end cannot have had an effect:
 /// twice what libxml2 keeps in its buffer ahead of it.
@@ -194,8 +191,10 @@ struct HTMLContext::Position {
 
 void HTMLContext::Freed::operator()(xmlParserCtxt* context) const
 {
+    void* const names = context->_private;
     if (context->myDoc) xmlFreeDoc(context->myDoc);
     htmlFreeParserCtxt(context);
+    NameDictionary::free(names);
 }
 
 HTMLContext::HTMLContext(bool ignoreEncoding)
@@ -204,6 +203,9 @@ HTMLContext::HTMLContext(bool ignoreEncoding)
     m_context.reset(htmlCreatePushParserCtxt(nullptr, nullptr, nullptr, 0, nullptr, XML_CHAR_ENCODING_NONE));
     if (!m_context) throw std::bad_alloc();
     quiet.check();
+    NameDictionary::attach(*m_context);
+    // Nobody asks for an element by its ID, and libxml2's table of them stops growing.
+    m_context->loadsubset |= XML_SKIP_IDS;
     htmlCtxtUseOptions(m_context.get(), ignoreEncoding ? _options | HTML_PARSE_IGNORE_ENC : _options);
 }
 
@@ -212,9 +214,9 @@ HTMLContext::~HTMLContext() = default;
 xmlNode const* HTMLContext::parse(char const* chunk, unsigned int size)
 {
     if (size > INT_MAX) return nullptr;
-    QuietXml const quiet(m_context.get());
+    QuietXml const quiet(m_context.get(), NameDictionary::renew);
     AttributeLimit const limit(std::string_view(chunk, size));
-    if (!limit.certain) xmlDictSetLimit(m_context->dict, _namesLimit);
+    if (!limit.certain) NameDictionary::limit(*m_context);
     char const* bytes = limit.blanked.empty() ? chunk : limit.blanked.data();
     htmlParseChunk(m_context.get(), bytes, static_cast<int>(size), 1);
     quiet.check();
@@ -229,7 +231,7 @@ void HTMLContext::characterSet(char const* name)
     stringRightTrim(set);
     if (stringCompareNoCase(set, "us-ascii") || stringCompareNoCase(set, "ascii")) return;
     QuietXml const quiet(m_context.get());
-    if (!keepsTags(set)) xmlDictSetLimit(m_context->dict, _namesLimit);
+    if (!keepsTags(set)) NameDictionary::limit(*m_context);
     xmlCharEncoding const known = xmlParseCharEncoding(set.c_str());
     if (known != XML_CHAR_ENCODING_ERROR) {
         xmlSwitchEncoding(m_context.get(), known);

@@ -18,9 +18,12 @@ namespace Velmara {
 /// Limits: libxml2 keeps some failures to itself, as when a name finds no room in its dictionary.
 class QuietXml : private NonCopyable {
 public:
+    /// Called with each complaint of the parser, by C code: it must not throw.
+    using Listener = void (*)(xmlParserCtxt& parser) noexcept;
+
     /// `parser`, which may be null, is stopped when an allocation fails: there are inputs on which it would never
     /// come to an end.
-    explicit QuietXml(xmlParserCtxt* parser);
+    explicit QuietXml(xmlParserCtxt* parser, Listener listener = nullptr);
     ~QuietXml();
 
     /// Throws std::bad_alloc if an allocation of libxml2 has failed.
@@ -34,6 +37,7 @@ private:
     static void hear(void* self, xmlErrorPtr error) noexcept; // called by C code: nothing may be thrown through it
 
     xmlParserCtxt* m_parser; // not owned, may be null
+    Listener m_listener;     // may be null
     xmlStructuredErrorFunc m_handler;
     void* m_context;
     bool m_outOfMemory = false, m_unsupported = false;

@@ -290,6 +290,31 @@ TEST(HtmlParser, LibxmlStopsBeyond257OpenElementsAndTheRestIsGone)
     EXPECT_EQ("html(body(" + repeated("div(", 255) + repeated(")", 255) + "))", events(nested(100000)));
 }
 
+TEST(HtmlParser, NamesOfAnyNumberComeOutAsTheyAre)
+{
+    // More than one dictionary of the parser takes, at each place where it keeps a name, and one that is still open.
+    std::string html = "<outer>", expected = "html(body(outer(";
+    for (int i = 0; i < 10000; ++i) {
+        std::string const n = std::to_string(i);
+        html.append("<t").append(n).append(" a" + n).append("=1>x&zz" + n).append(";</t" + n);
+        html.append("></n").append(n).append("><?i" + n).append(">");
+        expected.append("t").append(n).append("('x&zz" + n).append(";'()))");
+    }
+    EXPECT_EQ(expected + "'end'())p('y'())))", events(html + "end</outer><p>y"));
+}
+
+TEST(HtmlParser, ATextBeyondTenMegabytesIsCutAndWhatFollowsIsAFurtherDocument)
+{
+    struct Lengths : Builder {
+        void foundText(xmlNode const* node) override { found.push_back(xmlstrlen(node->content)); }
+        std::vector<unsigned> found;
+    } lengths;
+    // libxml2 gets text in pieces of up to 1000 bytes; the one that does not fit is lost.
+    std::string const html = "<p>" + std::string(10500000, 'x') + "</p><b>yz";
+    Parser::parseAll(lengths, true, html.data(), static_cast<unsigned>(html.size()), "utf-8");
+    EXPECT_EQ((std::vector<unsigned>{10000000, 499000, 2}), lengths.found);
+}
+
 TEST(HtmlParser, ADeepAndWideDocumentNeedsLittleStack)
 {
     std::string const html = repeated("<div><b>x", 200) + repeated("</div>", 3) + repeated("<p>y</p>", 20000);
