@@ -4,11 +4,16 @@
 // is measured again.
 #include "hostile/Measure.h"
 
+#include <fcntl.h>
 #include <malloc.h>
 #include <spawn.h>
 #include <sys/mman.h>
 #include <sys/wait.h>
 #include <unistd.h>
+
+#ifdef __x86_64__
+#include <emmintrin.h>
+#endif
 
 #include <algorithm>
 #include <climits>
@@ -49,6 +54,31 @@ Case const& _caseOf(std::string const& name)
     for (Case const& one : cases())
         if (name == one.name) return one;
     throw std::runtime_error("no case " + name);
+}
+
+/// Takes an input out of the caches. A small one would lie in them from the run before, a large one would not, and
+/// what is as fast as memory would seem to grow.
+void _flush(char const* bytes, size_t n)
+{
+#ifdef __x86_64__
+    for (size_t at = 0; at < n; at += 64) _mm_clflush(bytes + at);
+#endif
+}
+
+/// The same for a file, by pieces: what is mapped counts as memory of the process.
+void _flush(std::string const& path)
+{
+    constexpr size_t window = 1u << 20;
+    int const file = ::open(path.c_str(), O_RDONLY | O_CLOEXEC);
+    size_t const size = file < 0 ? 0 : static_cast<size_t>(::lseek(file, 0, SEEK_END));
+    for (size_t at = 0; at < size; at += window) {
+        size_t const n = std::min(window, size - at);
+        void* const bytes = ::mmap(nullptr, n, PROT_READ, MAP_SHARED, file, static_cast<off_t>(at));
+        if (bytes == MAP_FAILED) throw std::runtime_error("cannot map the input");
+        _flush(static_cast<char const*>(bytes), n);
+        ::munmap(bytes, n);
+    }
+    ::close(file);
 }
 
 /// From the second run on the kernel has no pages to clear, which would take more time than the work.
@@ -235,6 +265,7 @@ int runOne(std::string const& name, std::string const& path)
         if (!one.flat) input.text();
         double all = 0;
         for (int i = 0; i < _leastRuns || (i < _enoughRuns && all < _enoughTime); ++i) {
+            one.flat ? _flush(path) : _flush(input.text().data(), input.text().size());
             Sink sink(Sink::Nothing);
             double const start = _threadTime();
             one.work(input, sink);
