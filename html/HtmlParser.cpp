@@ -24,7 +24,7 @@
 #include <velmara/StringOperations.h>
 
 #include "html/AttributeLimit.h"
-#include "html/NameDictionary.h"
+#include "html/LinearCosts.h"
 #include "runtime/Ascii.h"
 #include "runtime/QuietXml.h"
 
@@ -191,10 +191,10 @@ struct HTMLContext::Position {
 
 void HTMLContext::Freed::operator()(xmlParserCtxt* context) const
 {
-    void* const names = context->_private;
+    void* const attached = context->_private;
     if (context->myDoc) xmlFreeDoc(context->myDoc);
     htmlFreeParserCtxt(context);
-    NameDictionary::free(names);
+    LinearCosts::free(attached);
 }
 
 HTMLContext::HTMLContext(bool ignoreEncoding)
@@ -203,7 +203,7 @@ HTMLContext::HTMLContext(bool ignoreEncoding)
     m_context.reset(htmlCreatePushParserCtxt(nullptr, nullptr, nullptr, 0, nullptr, XML_CHAR_ENCODING_NONE));
     if (!m_context) throw std::bad_alloc();
     quiet.check();
-    NameDictionary::attach(*m_context);
+    LinearCosts::attach(*m_context);
     // Nobody asks for an element by its ID, and libxml2's table of them stops growing.
     m_context->loadsubset |= XML_SKIP_IDS;
     htmlCtxtUseOptions(m_context.get(), ignoreEncoding ? _options | HTML_PARSE_IGNORE_ENC : _options);
@@ -214,11 +214,12 @@ HTMLContext::~HTMLContext() = default;
 xmlNode const* HTMLContext::parse(char const* chunk, unsigned int size)
 {
     if (size > INT_MAX) return nullptr;
-    QuietXml const quiet(m_context.get(), NameDictionary::renew);
+    QuietXml const quiet(m_context.get(), LinearCosts::complained);
     AttributeLimit const limit(std::string_view(chunk, size));
-    if (!limit.certain) NameDictionary::limit(*m_context);
+    if (!limit.certain) LinearCosts::limitNames(*m_context);
     char const* bytes = limit.blanked.empty() ? chunk : limit.blanked.data();
     htmlParseChunk(m_context.get(), bytes, static_cast<int>(size), 1);
+    LinearCosts::finish(*m_context);
     quiet.check();
     return m_context->myDoc ? xmlDocGetRootElement(m_context->myDoc) : nullptr;
 }
@@ -231,7 +232,7 @@ void HTMLContext::characterSet(char const* name)
     stringRightTrim(set);
     if (stringCompareNoCase(set, "us-ascii") || stringCompareNoCase(set, "ascii")) return;
     QuietXml const quiet(m_context.get());
-    if (!keepsTags(set)) NameDictionary::limit(*m_context);
+    if (!keepsTags(set)) LinearCosts::limitNames(*m_context);
     xmlCharEncoding const known = xmlParseCharEncoding(set.c_str());
     if (known != XML_CHAR_ENCODING_ERROR) {
         xmlSwitchEncoding(m_context.get(), known);
