@@ -14,15 +14,6 @@ namespace VelmaraCommand {
 
 namespace {
 
-/// The file that a link leads to; of a link to nothing, the link itself is replaced.
-std::string _withoutLinks(std::string const& path)
-{
-    char* const resolved = ::realpath(path.c_str(), nullptr);
-    std::string const target = resolved ? resolved : path;
-    std::free(resolved);
-    return target;
-}
-
 /// What a new file may be read and written by. Asking for the mask means setting it.
 mode_t _modeOfNewFiles()
 {
@@ -32,6 +23,14 @@ mode_t _modeOfNewFiles()
 }
 
 } // namespace
+
+std::string behindLinks(std::string const& path)
+{
+    char* const resolved = ::realpath(path.c_str(), nullptr);
+    std::string target = resolved ? resolved : path;
+    std::free(resolved);
+    return target;
+}
 
 OutputFile::OutputFile(std::string const& path) : m_path(path), m_target(path)
 {
@@ -43,7 +42,7 @@ OutputFile::OutputFile(std::string const& path) : m_path(path), m_target(path)
         if (m_file < 0) fail(errno);
         return;
     }
-    m_target = _withoutLinks(path);
+    m_target = behindLinks(path);
     openBeside();
     ::fchmod(m_file, exists ? there.st_mode & 0777 : _modeOfNewFiles()); // where it cannot be, it stays private
 }

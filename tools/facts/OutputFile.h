@@ -5,6 +5,10 @@
 
 namespace VelmaraCommand {
 
+/// The file that a path leads to, so that replacing it leaves links as they are. Of a link to nothing it is
+/// the link itself.
+std::string behindLinks(std::string const& path);
+
 /// A file that is there in full or not at all: it is written beside the one that it is to be and takes
 /// its place at `finish`. What is not finished leaves nothing behind, and what was there before stays.
 ///

@@ -78,7 +78,7 @@ PartKind kindOf(MimePart* part)
 
 PartView finishedRootOf(Rfc822Msg& message)
 {
-    PartView const root = _viewOf(message.root(), "1");
+    PartView root = _viewOf(message.root(), "1");
     Finisher finisher;
     root.part->visit(&finisher);
     return root;

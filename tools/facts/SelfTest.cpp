@@ -240,7 +240,7 @@ struct Vector {
     char const* expected;
 };
 
-std::vector<Vector> _vectors()
+std::vector<Vector> _vectorsOfMessages()
 {
     return {
         {"tree: the delimiter by its prefix", _tree,
@@ -255,6 +255,12 @@ std::vector<Vector> _vectors()
          "Content-Transfer-Encoding: quoted-printable\n\nCaf=C3=A9=\r\n!  \r\n=41=4a=\n", "Café!  \r\nAJ"},
         {"body: Base64", _body, "Content-Transfer-Encoding: base64\n\nSGVsbG8s\nIHdvcmxk\n", "Hello, world"},
         {"body: UUEncode", _body, "Content-Transfer-Encoding: x-uuencode\n\nbegin 644 a\n#0V%T\n`\nend\n", "Cat"},
+    };
+}
+
+std::vector<Vector> _vectorsOfText()
+{
+    return {
         {"attachment name: RFC 2231 segments", _name, "application/x; name*0*=utf-8''%C3%A9; name*1=b.txt", "éb.txt"},
         {"headers: encoded words", _headers,
          "=?iso-8859-1?Q?Caf=E9?= x\n=?utf-8?B?QUJD?= =?utf-8?B?REVG?=\n=?koi8-r?B?8NLJ18XU?=\n"
@@ -275,6 +281,12 @@ std::vector<Vector> _vectors()
          "from a.example (b.example [192.0.2.1]) by mx.example with ESMTP id 1; Mon, 1 Jan 2024 00:00:00 +0000",
          R"({"from":"a.example","reverseName":"b.example","address":"192.0.2.1","by":"mx.example","with":"ESMTP",)"
          R"("date":"mon, 1 jan 2024 00:00:00 +0000","time":1704067200})"},
+    };
+}
+
+std::vector<Vector> _vectorsOfSignatures()
+{
+    return {
         // "c" 40 times, "d" 40 times, "b" 40 times, "a" 8 times: the lines set aside fill up backwards.
         {"signature: lines of text", _signature<TextHasherPlain, Hasher::DataText>,
          std::string(40, 'a') + '\n' + std::string(40, 'b') + '\n' + std::string(40, 'c') + '\n' +
@@ -306,6 +318,12 @@ std::vector<Vector> _vectors()
         // 1024 bytes of 0.
         {"signature: binary", _signature<BinaryHasherImpl, Hasher::DataBinary>, std::string(1024, '\0'),
          "0f343b0931126a20f133d67c2b018a3b"},
+    };
+}
+
+std::vector<Vector> _vectorsOfDocuments()
+{
+    return {
         {"types", _types, "a.docx %PDF-1.4\na.docx PK\3\4\na.bin PK\3\4\na.pdf \nb hello\nb \1\2\3\4",
          "application/pdf 4 | application/vnd.openxmlformats-officedocument.wordprocessingml.document 10 | "
          "application/zip 15 | application/pdf 4 | text/plain 23 | application/octet-stream 0"},
@@ -331,7 +349,8 @@ std::string _given(Vector const& vector)
 std::vector<VectorOutcome> runVectors()
 {
     std::vector<VectorOutcome> outcomes;
-    for (Vector const& vector : _vectors()) outcomes.push_back({vector.name, vector.expected, _given(vector)});
+    for (auto const make : {_vectorsOfMessages, _vectorsOfText, _vectorsOfSignatures, _vectorsOfDocuments})
+        for (Vector const& vector : make()) outcomes.push_back({vector.name, vector.expected, _given(vector)});
     return outcomes;
 }
 

@@ -10,6 +10,7 @@
 #include <algorithm>
 #include <cstring>
 #include <limits>
+#include <optional>
 
 #include "facts/Utf8.h"
 
@@ -213,12 +214,11 @@ void Groups::finish(std::function<void(GroupKind kind, std::uint64_t groups)> co
     });
     m_rows.drain([&](std::string_view key, std::string_view value) { reader.row(key, value); });
     reader.end();
-    int begun = -1;
+    std::optional<GroupKind> begun;
     groups.drain([&](std::string_view key, std::string_view value) {
-        if (key[0] != begun) {
-            begun = key[0];
-            beginKind(static_cast<GroupKind>(begun), numbers[static_cast<size_t>(begun)]);
-        }
+        auto const kind = static_cast<GroupKind>(key[0]);
+        if (kind != begun) beginKind(kind, numbers[static_cast<size_t>(kind)]);
+        begun = kind;
         sink(Json::parse(value));
     });
 }

@@ -155,6 +155,17 @@ std::string _wordsOf(Options const& options)
     return words;
 }
 
+/// A row of a `case`.
+std::string _caseOf(std::string const& pattern, std::string const& words)
+{
+    return "    " + pattern + ") words='" + words + "' ;;\n";
+}
+
+std::string _inQuotes(std::string const& text)
+{
+    return "'" + text + "'";
+}
+
 /// Rows of a `case` over "VERB OPTION" for those options whose values are known.
 std::string _valueRowsOf(CLI::App const& program, std::string const& verb)
 {
@@ -162,7 +173,7 @@ std::string _valueRowsOf(CLI::App const& program, std::string const& verb)
     for (CLI::Option const* option : _optionsOf(program))
         if (std::string const values = _valuesOf(*option, ' '); !values.empty())
             for (std::string const& spelling : _spellingsOf(*option))
-                rows += "    '" + verb + " " + spelling + "') words='" + values + "' ;;\n";
+                rows += _caseOf(_inQuotes(verb + ' ' + spelling), values);
     return rows;
 }
 
@@ -178,7 +189,7 @@ std::string _completionOf(CLI::App const& program, std::string const& function)
     std::string names, optionRows, valueRows = _valueRowsOf(program, "");
     for (CLI::App const* verb : _verbsOf(program)) {
         names += (names.empty() ? "" : " ") + verb->get_name();
-        optionRows += "    '" + verb->get_name() + " -'*) words='" + _wordsOf(_optionsOf(*verb)) + "' ;;\n";
+        optionRows += _caseOf(_inQuotes(verb->get_name() + " -") + '*', _wordsOf(_optionsOf(*verb)));
         valueRows += _valueRowsOf(*verb, verb->get_name());
     }
     std::string const own = _wordsOf(_optionsOf(program));
@@ -187,7 +198,7 @@ std::string _completionOf(CLI::App const& program, std::string const& function)
         out += "    [ \"$COMP_CWORD\" -eq 1 ] && words='" + names + " " + own + "'\n" +
                "    [ \"$COMP_CWORD\" -gt 1 ] && verb=${COMP_WORDS[1]}\n";
     out += "    case \"$verb $word\" in\n" + optionRows;
-    if (!hasVerbs) out += "    ' -'*) words='" + own + "' ;;\n";
+    if (!hasVerbs) out += _caseOf("' -'*", own);
     return out + "    esac\n    case \"$verb ${COMP_WORDS[COMP_CWORD - 1]}\" in\n" + valueRows + _endOfCompletion;
 }
 
@@ -195,7 +206,7 @@ std::string _completionOf(CLI::App const& program, std::string const& function)
 
 std::string pageOf(CLI::App const& program, Manual const& manual)
 {
-    std::string const name = program.get_name();
+    std::string const& name = program.get_name();
     std::string page =
         ".TH " + _inCapitals(name) + " 1 \"\" \"" + name + " " + manual.version + "\" \"User Commands\"\n";
     std::string const description = program.get_description();

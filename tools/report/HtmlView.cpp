@@ -13,7 +13,7 @@ namespace VelmaraCommand {
 
 namespace {
 
-constexpr size_t _mostSwatches = 300, _mostRows = 300, _mostRunBytes = 2000, _mostTextBytes = 96 * 1024;
+constexpr size_t _mostSwatches = 300, _mostRows = 300, _mostRunBytes = 2000, _mostTextBytes = 96 << 10;
 constexpr size_t _mostLinks = 200, _mostImages = 100, _mostUriBytes = 1000, _mostOtherHosts = 20;
 
 struct Reason {

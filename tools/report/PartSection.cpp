@@ -10,7 +10,7 @@ namespace VelmaraCommand {
 
 namespace {
 
-constexpr size_t _mostHeaders = 200, _mostHeaderBytes = 2000, _mostNameBytes = 300, _mostText = 16 * 1024;
+constexpr size_t _mostHeaders = 200, _mostHeaderBytes = 2000, _mostNameBytes = 300, _mostText = 16 << 10;
 constexpr size_t _mostTokens = 400, _mostFindings = 100;
 constexpr unsigned int _deepestIndent = 12; // deeper parts are told apart by their paths
 

@@ -14,7 +14,7 @@ using namespace Velmara;
 class FilePartIn : public MediaInImpl {
 public:
     FilePartIn(std::shared_ptr<File> file, std::uint64_t begin, std::uint64_t length)
-        : m_file(std::move(file)), m_begin(begin), m_length(length), m_block(64 * 1024)
+        : m_file(std::move(file)), m_begin(begin), m_length(length), m_block(64 << 10)
     {}
 
     bool atEnd() const override { return peek() < 0; }

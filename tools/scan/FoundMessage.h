@@ -37,7 +37,7 @@ private:
 class ByteCollector {
 public:
     struct Options {
-        std::size_t largestInMemory = 1024 * 1024;
+        std::size_t largestInMemory = 1 << 20;
         std::uint64_t most = 0; // what lies behind is not kept; 0: all is
     };
 

@@ -7,27 +7,19 @@
 
 #include <algorithm>
 #include <cerrno>
-#include <cstdlib>
 #include <fstream>
 #include <iterator>
 #include <system_error>
 
 #include <nlohmann/json.hpp>
 
+#include "facts/OutputFile.h"
+
 namespace VelmaraCommand {
 
 namespace {
 
-constexpr std::size_t _bufferSize = 256 * 1024;
-
-/// A link keeps pointing to the file that is replaced.
-std::string _withoutLinks(std::string const& path)
-{
-    char* const resolved = ::realpath(path.c_str(), nullptr);
-    std::string const target = resolved ? resolved : path;
-    std::free(resolved);
-    return target;
-}
+constexpr std::size_t _bufferSize = 256 << 10;
 
 bool _isNoFile(std::string const& path)
 {
@@ -53,7 +45,7 @@ std::string _readAt(int descriptor, std::uint64_t begin, std::uint64_t end)
 std::uint64_t _lineStart(int descriptor, std::uint64_t end)
 {
     while (end > 0) {
-        std::uint64_t const begin = end - std::min<std::uint64_t>(end, 64 * 1024);
+        std::uint64_t const begin = end - std::min<std::uint64_t>(end, 64 << 10);
         std::size_t const lineFeed = _readAt(descriptor, begin, end).rfind('\n');
         if (lineFeed != std::string::npos) return begin + lineFeed + 1;
         end = begin;
@@ -86,7 +78,7 @@ LineOutput::LineOutput(std::string const& path, std::string const& settings, boo
         if (resume) throw FileFailure(path, "is no file, so there is nothing to resume");
         return;
     }
-    m_target = _withoutLinks(path);
+    m_target = behindLinks(path);
     m_path = m_target + ".part";
     open();
     if (resume)

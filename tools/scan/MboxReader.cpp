@@ -12,7 +12,7 @@ namespace VelmaraCommand {
 
 namespace {
 
-constexpr std::size_t _windowSize = 128 * 1024;
+constexpr std::size_t _windowSize = 128 << 10;
 constexpr std::size_t _longestLine = 1000;
 constexpr std::string_view _sought = "\nFrom ";
 constexpr std::size_t _undecided = 7; // "\r\nFrom" without its blank

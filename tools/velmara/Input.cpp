@@ -25,7 +25,7 @@ namespace {
 }
 
 constexpr char const* _standardIn = "(standard input)";
-constexpr size_t _blockSize = 64 * 1024;
+constexpr size_t _blockSize = 64 << 10;
 
 /// What is there by now, 0 at the end. What was printed is shown before it waits.
 size_t _readBlock(int file, char (&block)[_blockSize])

@@ -44,7 +44,7 @@ int _writeTo(std::string const& output, std::string const& page)
 int _report(Input& input, std::string const& output)
 {
     Wanted wanted;
-    wanted.textBytes = 16 * 1024; // what the page shows of a text
+    wanted.textBytes = 16 << 10; // what the page shows of a text
     MessageFacts const facts = factsOf(input.media(), {}, wanted);
     if (int const status = _writeTo(output, _pageOf(input, facts))) return status;
     return facts.findings.empty() ? Done : DoneWithFindings;

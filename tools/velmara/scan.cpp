@@ -33,7 +33,7 @@ struct Options {
     std::string shard = "0/1";
     std::string output;
     bool resume = false, mbox = false;
-    std::uint64_t maxBytes = 64 * 1024 * 1024, maxParts = 1000, maxItems = 20000;
+    std::uint64_t maxBytes = 64 << 20, maxParts = 1000, maxItems = 20000;
     double timeout = 0;
     std::uint64_t textBytes = 1024;
 };
