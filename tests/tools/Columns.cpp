@@ -38,9 +38,14 @@ TEST(Columns, TextIsBrokenAtBlanksWhereThereAreAny)
 
 TEST(Columns, SizesAreShortAndInUnitsOfThousand)
 {
+    EXPECT_EQ("0 bytes", shownSize(0));
     EXPECT_EQ("1 byte", shownSize(1));
     EXPECT_EQ("999 bytes", shownSize(999));
+    EXPECT_EQ("1.0 kB", shownSize(1000));
     EXPECT_EQ("1.5 kB", shownSize(1536));
-    EXPECT_EQ("1.0 MB", shownSize(999950));
+    EXPECT_EQ("999.9 kB", shownSize(999949));
+    EXPECT_EQ("1.0 MB", shownSize(999950)) << "never 1000.0";
     EXPECT_EQ("12.0 GB", shownSize(12000000000ull));
+    EXPECT_EQ("1.2 TB", shownSize(1234567890123ull));
+    EXPECT_EQ("18446744.1 TB", shownSize(~0ull)) << "there is no larger unit";
 }

@@ -72,7 +72,15 @@ TEST(HtmlReading, TextThatShowsAsNothingIsNotCounted)
 {
     HtmlFacts const facts = _read("<span style='font-size:0'>&nbsp;&zwnj; \n</span>").facts;
     EXPECT_EQ(0u, facts.hiddenBytes);
-    EXPECT_TRUE(isBlank("\xC2\xA0\xE2\x80\x8C \n"));
+    EXPECT_TRUE(isBlank("\xC2\xA0\xE2\x80\x8C \n\f"));
     EXPECT_FALSE(isBlank("\xC2\xA0x"));
     EXPECT_FALSE(isBlank("\xFF"));
+}
+
+TEST(HtmlReading, WhiteSpaceOfTheSourceIsOneBlank)
+{
+    EXPECT_EQ(" a b c ", folded("\r\n a\t\f b\n\nc\n"));
+    EXPECT_EQ("a\vb\xC2\xA0", folded("a\vb\xC2\xA0"));
+    EXPECT_TRUE(isLayout(" \t\r\n\f"));
+    EXPECT_FALSE(isLayout(" \xC2\xA0"));
 }

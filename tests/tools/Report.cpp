@@ -77,23 +77,6 @@ TEST(Html, TextsThatShouldBeNamesAreCutAnyway)
     EXPECT_EQ(std::string(1000, 'x') + "…", html.asString());
 }
 
-struct SizeRow {
-    std::uint64_t bytes;
-    char const* text;
-};
-
-class ShortSize : public testing::TestWithParam<SizeRow> {};
-
-TEST_P(ShortSize, HasOneDigitBehindThePoint)
-{
-    EXPECT_EQ(GetParam().text, shortSize(GetParam().bytes));
-}
-
-INSTANTIATE_TEST_SUITE_P(Rows, ShortSize,
-                         testing::Values(SizeRow{0, "0 bytes"}, SizeRow{1, "1 byte"}, SizeRow{999, "999 bytes"},
-                                         SizeRow{1000, "1.0 kB"}, SizeRow{999949, "999.9 kB"},
-                                         SizeRow{999950, "1.0 MB"}, SizeRow{1234567890, "1.2 GB"}));
-
 TEST(Grouped, HasACommaBetweenThousands)
 {
     EXPECT_EQ("0", grouped(0));

@@ -8,6 +8,8 @@
 #include <velmara/ContentType.h>
 #include <velmara/DecodeMediaIn.h>
 
+#include "Text.h"
+
 namespace VelmaraCommand {
 
 using namespace Velmara;
@@ -47,7 +49,7 @@ private:
 
 bool _isForeign(unsigned char c)
 {
-    return !Buffer::isValidBase64Char(c) && c != ' ' && (c < '\t' || c > '\r');
+    return !Buffer::isValidBase64Char(c) && !isSpace(static_cast<char>(c));
 }
 
 /// Looks at the raw bytes of one line, which lies at `position`.

@@ -4,6 +4,8 @@
 #include <cstring>
 #include <limits>
 
+#include "Text.h"
+
 namespace VelmaraCommand {
 
 using namespace Velmara;
@@ -17,7 +19,7 @@ constexpr unsigned int _lineOfHeader = 128;
 bool _isBlank(Buffer const& line)
 {
     return std::all_of(line.data(), line.data() + line.length(),
-                       [](unsigned char c) { return c == ' ' || (c >= '\t' && c <= '\r'); });
+                       [](unsigned char c) { return isSpace(static_cast<char>(c)); });
 }
 
 } // namespace

@@ -93,9 +93,9 @@ std::vector<std::string> wrapped(std::string_view text, size_t columns, size_t l
     return out;
 }
 
-std::string shownSize(unsigned long long bytes)
+std::string shownSize(std::uint64_t bytes)
 {
-    constexpr char const* units[] = {" kB", " MB", " GB"};
+    constexpr char const* units[] = {" kB", " MB", " GB", " TB"};
     if (bytes < 1000) return std::to_string(bytes) + (bytes == 1 ? " byte" : " bytes");
     double size = static_cast<double>(bytes) / 1000;
     char const* const* unit = std::begin(units);

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -21,6 +22,6 @@ std::string padded(std::string_view text, size_t columns);
 std::vector<std::string> wrapped(std::string_view text, size_t columns, size_t lines);
 
 /// "999 bytes", "1.5 kB", "12.0 MB".
-std::string shownSize(unsigned long long bytes);
+std::string shownSize(std::uint64_t bytes);
 
 } // namespace VelmaraCommand

@@ -90,12 +90,12 @@ Json _jsonOf(HtmlFacts const& html)
 
 void _addPlace(Json& json, PartFacts const& part)
 {
-    bool const isText = part.kind == PartKind::Preamble || part.kind == PartKind::Epilogue;
-    if (!isText) json["header"] = _jsonOf(part.header);
+    bool const isHeaded = hasHeaders(part.kind);
+    if (isHeaded) json["header"] = _jsonOf(part.header);
     json["body"] = _jsonOf(part.body);
     if (!part.bodyLengthKnown) json["bodyLengthKnown"] = false;
     if (part.ending) json["ending"] = _jsonOf(*part.ending);
-    if (!isText) json["headers"] = _list<std::pair<std::string, std::string>>(part.headers, _jsonOf);
+    if (isHeaded) json["headers"] = _list<std::pair<std::string, std::string>>(part.headers, _jsonOf);
 }
 
 Json _jsonOf(PartFacts const& part)

@@ -12,6 +12,7 @@
 #include <velmara/StringOperations.h>
 
 #include "Shown.h"
+#include "Text.h"
 #include "Utf8.h"
 
 namespace VelmaraCommand {
@@ -51,16 +52,6 @@ Span _byteAt(std::uint64_t position)
     return Span{position, position + 1};
 }
 
-bool _isSpace(char c)
-{
-    return c == ' ' || (c >= '\t' && c <= '\r');
-}
-
-bool _startsWith(std::string_view text, std::string_view prefix)
-{
-    return text.substr(0, prefix.size()) == prefix;
-}
-
 bool _isSame(std::string const& a, std::string const& b)
 {
     return stringCompareNoCase(a, b);
@@ -82,7 +73,7 @@ template <class Work> void _eachLine(Asked const& asked, Work work)
         size_t const lineFeed = rest.find('\n');
         size_t const n = lineFeed == std::string_view::npos ? rest.size() : lineFeed + 1;
         std::string_view text = rest.substr(0, n);
-        while (!text.empty() && _isSpace(text.back())) text.remove_suffix(1);
+        while (!text.empty() && isSpace(text.back())) text.remove_suffix(1);
         if (work(Line{Span{at, at + n}, text})) return;
         at += n;
         rest.remove_prefix(n);
@@ -112,7 +103,7 @@ constexpr std::string_view _usualPreambles[] = {
 
 bool _isUsualPreamble(std::string_view line)
 {
-    while (!line.empty() && _isSpace(line.front())) line.remove_prefix(1);
+    while (!line.empty() && isSpace(line.front())) line.remove_prefix(1);
     while (!line.empty() && line.back() == '.') line.remove_suffix(1);
     return std::find(std::begin(_usualPreambles), std::end(_usualPreambles), line) != std::end(_usualPreambles);
 }
@@ -136,7 +127,7 @@ bool _isPartHeader(std::string_view line)
 {
     std::string const start = stringToLower(std::string(line.substr(0, 32)));
     return std::any_of(std::begin(_partHeaders), std::end(_partHeaders),
-                       [&](std::string_view name) { return _startsWith(start, name); });
+                       [&](std::string_view name) { return startsWith(start, name); });
 }
 
 Answer _headerIn(Asked const& asked)
@@ -180,7 +171,7 @@ std::string_view _behindDelimiter(Ending const& ending)
 Answer _delimiterByPrefix(Asked const& asked)
 {
     auto const& ending = asked.part.ending;
-    if (!ending || ending->exact || _isSpace(_behindDelimiter(*ending).front())) return std::nullopt;
+    if (!ending || ending->exact || isSpace(_behindDelimiter(*ending).front())) return std::nullopt;
     return Found{ending->line, _quoted(ending->text) + " ends the part, for it begins with the delimiter " +
                                    _quoted(ending->delimiter) + " of part " + ending->path};
 }
@@ -188,7 +179,7 @@ Answer _delimiterByPrefix(Asked const& asked)
 Answer _textBehindDelimiter(Asked const& asked)
 {
     auto const& ending = asked.part.ending;
-    if (!ending || ending->exact || !_isSpace(_behindDelimiter(*ending).front())) return std::nullopt;
+    if (!ending || ending->exact || !isSpace(_behindDelimiter(*ending).front())) return std::nullopt;
     return Found{ending->line, _quoted(_behindDelimiter(*ending)) + " stands behind the delimiter and is no part's"};
 }
 
@@ -201,7 +192,7 @@ Answer _delimiterInHeader(Asked const& asked)
 /// The line ahead of a message in a mailbox, which is none of its headers.
 bool _isMailboxLine(Asked const& asked)
 {
-    return asked.part.header.begin == asked.part.header.end && _startsWith(asked.context.headerEndText, "From ");
+    return asked.part.header.begin == asked.part.header.end && startsWith(asked.context.headerEndText, "From ");
 }
 
 Answer _mailboxLine(Asked const& asked)
@@ -228,7 +219,7 @@ Answer _depthLimit(Asked const& asked)
 
 Answer _noBoundary(Asked const& asked)
 {
-    if (asked.part.kind != PartKind::Leaf || !_startsWith(asked.part.mediaType, "multipart/")) return std::nullopt;
+    if (asked.part.kind != PartKind::Leaf || !startsWith(asked.part.mediaType, "multipart/")) return std::nullopt;
     return Found{asked.part.header, asked.part.mediaType + " without a boundary is taken as one body"};
 }
 
@@ -252,7 +243,7 @@ Answer _overlappingBoundaries(Asked const& asked)
     if (asked.part.kind != PartKind::Multipart) return std::nullopt;
     std::string const own = "--" + asked.part.boundary;
     for (OpenMultipart const& outer : *asked.context.around)
-        if (_startsWith(own, outer.delimiter) || _startsWith(outer.delimiter, own))
+        if (startsWith(own, outer.delimiter) || startsWith(outer.delimiter, own))
             return Found{asked.part.header,
                          _quoted(own) + " overlaps with " + _quoted(outer.delimiter) + " of part " + outer.path};
     return std::nullopt;
@@ -457,8 +448,8 @@ constexpr char _turnedHeader[] = "turned-header";
 bool _isSameSite(std::string_view a, std::string_view b)
 {
     constexpr std::string_view www = "www.";
-    if (_startsWith(a, www)) a.remove_prefix(www.size());
-    if (_startsWith(b, www)) b.remove_prefix(www.size());
+    if (startsWith(a, www)) a.remove_prefix(www.size());
+    if (startsWith(b, www)) b.remove_prefix(www.size());
     return a == b;
 }
 

@@ -10,6 +10,7 @@
 #include <libxml/tree.h>
 
 #include <algorithm>
+#include <cstdio>
 #include <iterator>
 #include <unordered_set>
 
@@ -21,6 +22,7 @@
 #include <velmara/TextHtmlDoc.h>
 #include <velmara/Uri.h>
 
+#include "Text.h"
 #include "TokenText.h"
 #include "Utf8.h"
 
@@ -38,11 +40,6 @@ constexpr ViewName _viewNames[] = {
     {Run::HiddenBySize, "size", "hidden by size 0"},
     {Run::HiddenByEarlierSize, "earlier-size", "hidden by an earlier size 0"},
 };
-
-bool _isSpace(char c)
-{
-    return c == ' ' || c == '\t' || c == '\r' || c == '\n';
-}
 
 bool _isAnchor(xmlNode const* node)
 {
@@ -266,27 +263,39 @@ Json jsonOf(ShownImage const& image)
                 {"height", image.height}, {"textLine", image.textLine},       {"firstInRun", image.firstInRun}};
 }
 
-std::string folded(std::string const& text)
+std::string shownColour(int const (&colour)[3])
+{
+    return std::to_string(colour[0]) + "," + std::to_string(colour[1]) + "," + std::to_string(colour[2]);
+}
+
+std::string shownDistance(Run const& run)
+{
+    char text[32];
+    std::snprintf(text, sizeof text, "%.1f", run.distance);
+    return text;
+}
+
+std::string folded(std::string_view text)
 {
     std::string out;
     for (char c : text)
-        if (!_isSpace(c))
+        if (!isHtmlSpace(c))
             out += c;
         else if (out.empty() || out.back() != ' ')
             out += ' ';
-    return shown(out);
+    return out;
 }
 
-bool isLayout(std::string const& text)
+bool isLayout(std::string_view text)
 {
-    return std::all_of(text.begin(), text.end(), _isSpace);
+    return std::all_of(text.begin(), text.end(), isHtmlSpace);
 }
 
 bool isBlank(std::string_view text)
 {
     constexpr char32_t invisible[] = {0xA0, 0xAD, 0x34F, 0x200B, 0x200C, 0x200D, 0x2060, 0xFEFF};
     for (Utf8Character c; !text.empty(); text.remove_prefix(c.length)) {
-        if (_isSpace(text.front())) {
+        if (isHtmlSpace(text.front())) {
             c.length = 1;
             continue;
         }

@@ -40,10 +40,15 @@ Json jsonOf(Run const& run);
 Json jsonOf(Link const& link);
 Json jsonOf(ShownImage const& image);
 
+/// "255,0,0", as the page states it.
+std::string shownColour(int const (&colour)[3]);
+/// "12.5": how far its colours are from each other.
+std::string shownDistance(Run const& run);
+
 /// White space of the source, line ends above all, as single blanks.
-std::string folded(std::string const& text);
+std::string folded(std::string_view text);
 /// Nothing but white space: layout of the source.
-bool isLayout(std::string const& text);
+bool isLayout(std::string_view text);
 /// Nothing that anybody would see: white space, and characters that show as nothing else.
 bool isBlank(std::string_view text);
 

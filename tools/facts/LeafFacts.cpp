@@ -15,6 +15,7 @@
 #include "HtmlReading.h"
 #include "PartLabels.h"
 #include "Signing.h"
+#include "Text.h"
 #include "TokenText.h"
 #include "TypeReasons.h"
 #include "Utf8.h"
@@ -29,8 +30,6 @@ constexpr size_t _typeLooksAt = 64u << 10; // as `velmara type`
 
 /// More than what tokens are made of: 80 lines of 8095 bytes.
 constexpr std::uint64_t _mostText = 1u << 20;
-
-constexpr char const* _defaultCharset = "us-ascii";
 
 // ---- the type ---------------------------------------------------------------------------------
 
@@ -172,8 +171,7 @@ std::string const& _tokenText(Converted const& converted, std::string const& bod
     if (converted.ok && converted.undecodable == 0) return converted.text;
     Buffer const text =
         VmaraConv::toUtf8(charset, body.data(), static_cast<unsigned int>(body.size()), _mostText, true, true);
-    room.assign(reinterpret_cast<char const*>(text.data()), text.length());
-    return room;
+    return room = stringOf(text);
 }
 
 void _addTokens(std::string const& text, std::string const& charset, TextFacts& facts)
@@ -225,11 +223,6 @@ void _addPage(std::string const& body, std::string const& charset, Wanted const&
     if (wanted.html) part.html = std::move(reading.facts);
 }
 
-bool _isText(ContentType const& type)
-{
-    return type.isNull() || type.mediatype() == ContentType::MediaTypeText;
-}
-
 } // namespace
 
 void addLeafFacts(HeaderContainer const& headers, BodyBytes const& body, Wanted const& wanted, Deadline const& deadline,
@@ -241,12 +234,11 @@ void addLeafFacts(HeaderContainer const& headers, BodyBytes const& body, Wanted 
     deadline.check();
     if (wanted.signatures) part.signature = _signatureOf(type, body);
     deadline.check();
-    if (!_isText(type)) return;
+    if (!isText(type)) return;
     part.text.emplace();
     part.text->declaredCharset = part.charset;
-    std::string const charset = part.charset.empty() ? _defaultCharset : part.charset;
-    bool const isHtml = !type.isNull() && type.subtype() == ContentType::SubTypeHtml;
-    if (isHtml)
+    std::string const charset = part.charset.empty() ? defaultCharset : part.charset;
+    if (isHtml(type))
         _addPage(body.bytes, charset, wanted, deadline, part);
     else
         _addPlain(body.bytes, charset, wanted, deadline, *part.text);

@@ -10,6 +10,8 @@
 #include <utility>
 #include <vector>
 
+#include "Text.h"
+
 namespace VelmaraCommand {
 
 namespace {
@@ -57,7 +59,7 @@ int _number(std::string_view digits, size_t most)
     if (digits.empty() || digits.size() > most) return -1;
     int number = 0;
     for (char c : digits) {
-        if (c < '0' || c > '9') return -1;
+        if (!isDigit(c)) return -1;
         number = number * 10 + (c - '0');
     }
     return number;
@@ -66,7 +68,7 @@ int _number(std::string_view digits, size_t most)
 int _month(std::string const& word)
 {
     auto const* const found = std::find_if(std::begin(_months), std::end(_months),
-                                           [&](char const* month) { return word.compare(0, 3, month) == 0; });
+                                           [&](char const* month) { return startsWith(word, month); });
     return found == std::end(_months) ? -1 : static_cast<int>(found - _months);
 }
 

@@ -7,7 +7,6 @@
 #include "MessageFacts.h"
 
 #include <algorithm>
-#include <string_view>
 
 #include <velmara/ContentType.h>
 #include <velmara/EmailAddress.h>
@@ -21,6 +20,7 @@
 #include "LeafFacts.h"
 #include "MailDate.h"
 #include "PartLabels.h"
+#include "Text.h"
 
 namespace VelmaraCommand {
 
@@ -73,27 +73,16 @@ void _readHeaders(HeaderContainer const& headers, MessageFacts& facts)
 
 // ---- delimiters -------------------------------------------------------------------------------
 
-std::string_view _withoutLineEnd(std::string_view line)
-{
-    while (!line.empty() && (line.back() == '\n' || line.back() == '\r')) line.remove_suffix(1);
-    return line;
-}
-
-bool _startsWith(std::string_view text, std::string_view prefix)
-{
-    return text.substr(0, prefix.size()) == prefix;
-}
-
 /// Finds whose delimiter a line is, as the parser does: the innermost that the line begins with.
 std::optional<Ending> _endingOf(std::string const& dashedLine, std::vector<OpenMultipart> const& open)
 {
     for (size_t i = open.size(); i-- > 0;) {
         OpenMultipart const& multipart = open[i];
-        if (!_startsWith(dashedLine, multipart.delimiter)) continue;
+        if (!startsWith(dashedLine, multipart.delimiter)) continue;
         Ending ending;
-        ending.text = _withoutLineEnd(dashedLine);
+        ending.text = dashedLine.substr(0, dashedLine.find_last_not_of("\r\n") + 1);
         ending.path = multipart.path;
-        ending.closing = _startsWith(dashedLine, multipart.delimiter + "--");
+        ending.closing = startsWith(dashedLine, multipart.delimiter + "--");
         ending.delimiter = multipart.delimiter + (ending.closing ? "--" : "");
         ending.exact = ending.text.find_first_not_of(" \t", ending.delimiter.size()) == std::string::npos;
         return ending;
@@ -136,11 +125,6 @@ public:
     }
 
 private:
-    bool hasHeaders(PartFacts const& facts) const
-    {
-        return facts.kind != PartKind::Preamble && facts.kind != PartKind::Epilogue;
-    }
-
     size_t start(MimePart& part, std::string const& path, unsigned int depth)
     {
         if (m_limits.parts != 0 && m_facts.parts.size() >= m_limits.parts) throw BeyondLimit{"parts"};
@@ -150,7 +134,7 @@ private:
         facts.path = path;
         facts.kind = kindOf(&part);
         facts.depth = depth;
-        if (hasHeaders(facts)) describe(part, facts);
+        if (hasHeaders(facts.kind)) describe(part, facts);
         facts.bodyLengthKnown = false;
         return m_facts.parts.size() - 1;
     }
@@ -173,7 +157,7 @@ private:
     {
         PartContext context;
         context.around = &m_open;
-        if (!hasHeaders(facts)) return context;
+        if (!hasHeaders(facts.kind)) return context;
         context.typeName = labelsOf(part.headers()).typeName;
         context.headerEnd = headerEnd();
         context.headerEndLine = Span{m_source.lineBegin(), m_source.lineEnd()};

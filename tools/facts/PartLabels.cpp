@@ -2,7 +2,6 @@
 
 #include <velmara/ContentDisposition.h>
 #include <velmara/ContentEncoding.h>
-#include <velmara/ContentType.h>
 #include <velmara/EmailAddress.h>
 #include <velmara/StringOperations.h>
 
@@ -42,6 +41,16 @@ PartLabels labelsOf(HeaderContainer const& headers)
     Header const& id = headers.find("Content-ID");
     if (!id.isNull()) labels.contentId = EmailAddress::rfc5322Parse(id.value(), true).address();
     return labels;
+}
+
+bool isText(ContentType const& type)
+{
+    return type.isNull() || type.mediatype() == ContentType::MediaTypeText;
+}
+
+bool isHtml(ContentType const& type)
+{
+    return !type.isNull() && isText(type) && type.subtype() == ContentType::SubTypeHtml;
 }
 
 } // namespace VelmaraCommand

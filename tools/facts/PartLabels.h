@@ -2,6 +2,7 @@
 
 #include <string>
 
+#include <velmara/ContentType.h>
 #include <velmara/HeaderContainer.h>
 
 namespace VelmaraCommand {
@@ -16,5 +17,12 @@ struct PartLabels {
 };
 
 PartLabels labelsOf(Velmara::HeaderContainer const& headers);
+
+/// What a part is read as; without a "Content-Type" it is text.
+bool isText(Velmara::ContentType const& type);
+bool isHtml(Velmara::ContentType const& type);
+
+/// That of a text part that declares none.
+constexpr char const defaultCharset[] = "us-ascii";
 
 } // namespace VelmaraCommand

@@ -2,6 +2,8 @@
 
 #include <velmara/MimePartVisitor.h>
 
+#include "Text.h"
+
 namespace VelmaraCommand {
 
 namespace {
@@ -39,6 +41,12 @@ std::vector<PartView> _childrenOfMultipart(MimeRfc822MPart& part, std::string co
         children.push_back(_viewOf(child.get(), path + "." + std::to_string(isPreamble ? 0 : ++number)));
     }
     return children;
+}
+
+void _addParts(PartView const& view, std::vector<PartView>& parts)
+{
+    parts.push_back(view);
+    for (PartView const& child : childrenOf(view)) _addParts(child, parts);
 }
 
 /// Reads every body to its end: only then is it settled where the part ends. Parts are met in message
@@ -92,14 +100,27 @@ std::vector<PartView> childrenOf(PartView const& view)
     return {_viewOf(nested->child().get(), view.path + ".1")};
 }
 
+std::vector<PartView> partsFrom(PartView const& root)
+{
+    std::vector<PartView> parts;
+    _addParts(root, parts);
+    return parts;
+}
+
+std::string decodedBodyOf(MimePart& part)
+{
+    std::string body;
+    if (part.blen() != 0) part.body(true).read(body); // an empty body that is read again gives the byte in front of it
+    return body;
+}
+
 PartView findPart(PartView const& root, std::string const& path)
 {
     PartView at = root;
     while (at.part && at.path != path) {
         PartView next{nullptr, PartKind::Leaf, std::string()};
         for (PartView const& child : childrenOf(at))
-            if (path.compare(0, child.path.size(), child.path) == 0 &&
-                (path.size() == child.path.size() || path[child.path.size()] == '.'))
+            if (startsWith(path, child.path) && (path.size() == child.path.size() || path[child.path.size()] == '.'))
                 next = child;
         at = next;
     }

@@ -22,6 +22,7 @@
 #include "Hop.h"
 #include "PartPath.h"
 #include "Shown.h"
+#include "Text.h"
 
 namespace VelmaraCommand {
 namespace {
@@ -30,11 +31,6 @@ using namespace Velmara;
 using namespace std::string_literals;
 
 // ---- the ways ---------------------------------------------------------------------------------
-
-std::string _string(Buffer const& bytes)
-{
-    return std::string(reinterpret_cast<char const*>(bytes.data()), bytes.length());
-}
 
 Buffer _buffer(std::string const& bytes)
 {
@@ -72,7 +68,7 @@ public:
 std::string _treeOf(PartView const& view)
 {
     std::string text = nameOf(view.kind);
-    if (view.kind == PartKind::Preamble || view.kind == PartKind::Epilogue) return text;
+    if (!hasHeaders(view.kind)) return text;
     text += '@' + std::to_string(view.part->sourcePosition()) + '+' + std::to_string(view.part->hlen()) + '+' +
             std::to_string(view.part->blen());
     std::string inner;
@@ -113,7 +109,7 @@ std::string _characterSets(std::string const& lines)
     return _eachLine(lines, [](std::string const& line) {
         std::string const charset = line.substr(0, line.find(' '));
         std::string const bytes = line.substr(charset.size() + 1);
-        return _string(
+        return stringOf(
             VmaraConv::toUtf8(charset, bytes.data(), static_cast<unsigned int>(bytes.size()), 0, true, false));
     });
 }
@@ -125,7 +121,7 @@ std::string _badUtf8(std::string const& bytes)
     converter.substitute_unknown(true);
     converter.write(_buffer(bytes));
     converter.end();
-    return _string(text) + ' ' + std::to_string(converter.ferrCnt());
+    return stringOf(text) + ' ' + std::to_string(converter.ferrCnt());
 }
 
 std::string _script(std::string const& text)
@@ -220,7 +216,7 @@ std::string _seen(std::string const& html)
     Buffer text;
     TextHtmlDoc document(false);
     _parseHtml(document, new HtmlTxtExtract(&document, 0, BufferMediaOut(text), nullptr), html);
-    return _string(text);
+    return stringOf(text);
 }
 
 // ---- the vectors ------------------------------------------------------------------------------

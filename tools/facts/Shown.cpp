@@ -6,6 +6,7 @@
 
 #include <velmara/EncodedWord.h>
 
+#include "Text.h"
 #include "Utf8.h"
 
 namespace VelmaraCommand {
@@ -42,8 +43,7 @@ std::string shown(std::string_view text)
 
 std::string decoded(std::string const& value)
 {
-    Velmara::Buffer const utf8 = Velmara::stringToUtf8(value, nullptr);
-    return std::string(reinterpret_cast<char const*>(utf8.data()), utf8.length());
+    return stringOf(Velmara::stringToUtf8(value, nullptr));
 }
 
 bool colourWanted()

@@ -65,11 +65,6 @@ char const* _referenceFor(char c)
     }
 }
 
-bool _isSpace(char c)
-{
-    return c == ' ' || c == '\t' || c == '\r' || c == '\n' || c == '\f';
-}
-
 } // namespace
 
 std::string escaped(std::string_view text)
@@ -90,17 +85,6 @@ std::string escaped(std::string_view text)
     return out;
 }
 
-std::string folded(std::string_view text)
-{
-    std::string out;
-    for (char c : text)
-        if (!_isSpace(c))
-            out += c;
-        else if (out.empty() || out.back() != ' ')
-            out += ' ';
-    return out;
-}
-
 std::string grouped(std::uint64_t number)
 {
     std::string text = std::to_string(number);
@@ -111,18 +95,6 @@ std::string grouped(std::uint64_t number)
 std::string counted(std::uint64_t number, char const* one, char const* many)
 {
     return grouped(number) + " " + (number == 1 ? one : many);
-}
-
-std::string shortSize(std::uint64_t bytes)
-{
-    if (bytes < 1000) return counted(bytes, "byte", "bytes");
-    char const* const units[] = {"kB", "MB", "GB", "TB"};
-    size_t unit = 0;
-    double size = static_cast<double>(bytes) / 1000;
-    for (; size >= 999.95 && unit + 1 < std::size(units); ++unit) size /= 1000;
-    char text[32];
-    std::snprintf(text, sizeof text, "%.1f %s", size, units[unit]);
-    return text;
 }
 
 Html& Html::operator<<(std::string_view text)

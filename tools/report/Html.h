@@ -13,17 +13,11 @@ namespace VelmaraCommand {
 /// becomes LF.
 std::string escaped(std::string_view text);
 
-/// White space, line ends above all, as single blanks.
-std::string folded(std::string_view text);
-
 /// "1,234,567".
 std::string grouped(std::uint64_t number);
 
 /// "1 part", "2 parts".
 std::string counted(std::uint64_t number, char const* one, char const* many);
-
-/// "812 bytes", "24.3 kB", "1.2 MB".
-std::string shortSize(std::uint64_t bytes);
 
 /// A piece of a page. What stands in the program as a literal is markup; every text that is handed over
 /// is escaped and cut where it is too long for a name, so there is no way to forget it.

@@ -7,7 +7,8 @@
 #include <cstdio>
 #include <vector>
 
-#include "facts/Shown.h"
+#include "facts/HtmlReading.h"
+#include "facts/Text.h"
 
 namespace VelmaraCommand {
 
@@ -51,14 +52,12 @@ std::string _stated(Rgb const& colour)
     bool const isCss =
         std::all_of(std::begin(colour), std::end(colour), [](int part) { return part >= 0 && part <= 255; });
     if (isCss) return _css(colour);
-    return std::to_string(colour[0]) + "," + std::to_string(colour[1]) + "," + std::to_string(colour[2]);
+    return shownColour(colour);
 }
 
 std::string _measures(Run const& run)
 {
-    char distance[32];
-    std::snprintf(distance, sizeof distance, "%.1f", run.distance);
-    return _stated(run.foreground) + " on " + _stated(run.background) + ", distance " + distance + ", size " +
+    return _stated(run.foreground) + " on " + _stated(run.background) + ", distance " + shownDistance(run) + ", size " +
            std::to_string(run.size);
 }
 
@@ -66,18 +65,13 @@ struct Row {
     std::vector<Run const*> visible, hidden;
 };
 
-/// Runs of white space separate words; alone they are neither seen nor hidden.
-bool _isBlank(Run const& run)
-{
-    return folded(run.text).find_first_not_of(' ') == std::string::npos;
-}
-
 std::vector<Row> _rowsOf(std::vector<Run> const& runs)
 {
     std::vector<Row> rows;
     for (Run const& run : runs) {
         bool const visible = run.view == Run::Visible;
-        if (_isBlank(run) && (!visible || rows.empty() || !rows.back().hidden.empty())) continue;
+        // Runs of white space separate words; alone they are neither seen nor hidden.
+        if (isLayout(run.text) && (!visible || rows.empty() || !rows.back().hidden.empty())) continue;
         if (rows.empty() || (visible && !rows.back().hidden.empty())) rows.emplace_back();
         (visible ? rows.back().visible : rows.back().hidden).push_back(&run);
     }
@@ -134,7 +128,7 @@ private:
 bool _isAnyHidden(HtmlFacts const& html)
 {
     return std::any_of(html.runs.begin(), html.runs.end(),
-                       [](Run const& run) { return run.view != Run::Visible && !_isBlank(run); });
+                       [](Run const& run) { return run.view != Run::Visible && !isLayout(run.text); });
 }
 
 Html _leftOut(size_t total, size_t shown, char const* one, char const* many)
@@ -158,7 +152,7 @@ Html _written(Link const& link)
     html << "<p class=\"uri\"><code>";
     html.beginning(link.uri, _mostUriBytes) << "</code></p>";
     std::string const text = folded(link.text);
-    if (text.find_first_not_of(' ') != std::string::npos) {
+    if (!isLayout(text)) {
         html << "<p class=\"says\">text: <q dir=\"auto\">";
         html.beginning(text, _mostUriBytes) << "</q></p>";
     }
@@ -188,7 +182,7 @@ std::string Swatches::rules() const
 
 std::string bareContentId(std::string id)
 {
-    if (id.compare(0, 4, "cid:") == 0) id.erase(0, 4);
+    if (startsWith(id, "cid:")) id.erase(0, 4);
     if (!id.empty() && id.front() == '<') id.erase(0, 1);
     if (!id.empty() && id.back() == '>') id.pop_back();
     return id;

@@ -10,6 +10,7 @@
 #include "Html.h"
 #include "PageStyle.h"
 #include "PartSection.h"
+#include "facts/Columns.h"
 #include "facts/MailDate.h"
 
 namespace VelmaraCommand {
@@ -108,7 +109,7 @@ Html _tilesOf(MessageFacts const& facts)
          << _tile(grouped(facts.findings.size()), facts.findings.size() == 1 ? "finding" : "findings", "findings",
                   !facts.findings.empty())
          << _tile(grouped(facts.parts.size()), facts.parts.size() == 1 ? "part" : "parts", "parts", false)
-         << _tile(shortSize(facts.bytes), "in all", "parts", false)
+         << _tile(shownSize(facts.bytes), "in all", "parts", false)
          << _tile(grouped(facts.route.size()), facts.route.size() == 1 ? "hop" : "hops", "route", false)
          << _tile(grouped(_sumOf(facts, _links)), "links", "hosts", false);
     if (text.visibleBytes + text.hiddenBytes > 0)

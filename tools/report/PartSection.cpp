@@ -14,14 +14,9 @@ constexpr size_t _mostHeaders = 200, _mostHeaderBytes = 2000, _mostNameBytes = 3
 constexpr size_t _mostTokens = 400, _mostFindings = 100;
 constexpr unsigned int _deepestIndent = 12; // deeper parts are told apart by their paths
 
-bool _hasHeaders(PartFacts const& part)
-{
-    return part.kind != PartKind::Preamble && part.kind != PartKind::Epilogue;
-}
-
 std::string _typeOf(PartFacts const& part)
 {
-    if (!_hasHeaders(part)) return nameOf(part.kind);
+    if (!hasHeaders(part.kind)) return nameOf(part.kind);
     return part.mediaType.empty() ? "no declared type" : part.mediaType;
 }
 
@@ -63,7 +58,7 @@ Html _badge(char const* kind, std::string const& words)
 Html _badgesOf(PartFacts const& part, size_t findings)
 {
     Html html;
-    if (part.kind != PartKind::Leaf && _hasHeaders(part)) html << _badge("plain", nameOf(part.kind));
+    if (part.kind != PartKind::Leaf && hasHeaders(part.kind)) html << _badge("plain", nameOf(part.kind));
     if (findings > 0) html << _badge("bad", counted(findings, "finding", "findings"));
     if (part.type && part.type->mismatch) html << _badge("bad", "is not what it says");
     if (_isAnyHidden(part)) html << _badge("warn", shareHidden(*part.html) + " of the text hidden");
@@ -164,7 +159,7 @@ Html _factsOf(PartFacts const& part)
     list.add("Boundary", part.boundary);
     list.add("Charset", part.charset);
     list.add("Transfer encoding", part.encoding);
-    if (_hasHeaders(part)) list.add("Header block", _placeOf(part.header));
+    if (hasHeaders(part.kind)) list.add("Header block", _placeOf(part.header));
     list.add("Body", _placeOf(part.body, part.bodyLengthKnown));
     if (part.ending) _addEnding(list, *part.ending);
     if (part.kind == PartKind::Leaf) {

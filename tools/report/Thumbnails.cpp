@@ -6,7 +6,9 @@
 #include <velmara/Velmara.h>
 
 #include "Html.h"
+#include "facts/Columns.h"
 #include "facts/PartPath.h"
+#include "facts/Text.h"
 
 namespace VelmaraCommand {
 
@@ -83,7 +85,7 @@ bool _isFormat(std::string const& type)
 
 bool _isImage(std::string const& type)
 {
-    return type.compare(0, 6, "image/") == 0;
+    return startsWith(type, "image/");
 }
 
 std::string _detectedType(PartFacts const& part)
@@ -102,7 +104,7 @@ std::string _whyNotRead(PartFacts const& part, std::uint64_t mostBytes, std::uin
     std::string const detected = _detectedType(part);
     if (part.decodedBytes == 0) return "it is empty";
     if (!detected.empty() && !_isFormat(detected)) return "only PNG, GIF and JPEG are shown, and this is " + detected;
-    if (part.decodedBytes > mostBytes) return "it is larger than " + shortSize(mostBytes);
+    if (part.decodedBytes > mostBytes) return "it is larger than " + shownSize(mostBytes);
     return part.decodedBytes > leftInAll ? "the images ahead of it fill the room for images" : std::string();
 }
 
@@ -112,23 +114,6 @@ std::string _whyNotShown(Thumbnail const& image, std::uint64_t mostPixels)
     if (image.width == 0 || image.height == 0) return "its width and height cannot be read";
     if (image.width > mostPixels / image.height) return "it unfolds into more than " + grouped(mostPixels) + " pixels";
     return std::string();
-}
-
-std::string _bodyOf(MimePart& part)
-{
-    Buffer bytes;
-    if (part.blen() == 0) return std::string(); // an empty body that is read again gives the byte in front of it
-    BufferMediaOut out(bytes);
-    part.body(true).write(out);
-    return std::string(reinterpret_cast<char const*>(bytes.data()), bytes.length());
-}
-
-using Bodies = std::map<std::string, MimePart*>;
-
-void _collect(PartView const& view, Bodies& bodies)
-{
-    bodies[view.path] = view.part;
-    for (PartView const& child : childrenOf(view)) _collect(child, bodies);
 }
 
 std::string _inBase64(std::string const& bytes)
@@ -142,7 +127,7 @@ Thumbnail _thumbnailOf(PartFacts const& part, MimePart& body, ThumbnailLimits co
     Thumbnail image;
     image.whyNone = _whyNotRead(part, limits.bytes, left);
     if (!image.whyNone.empty()) return image;
-    std::string const bytes = _bodyOf(body);
+    std::string const bytes = decodedBodyOf(body);
     image = readImage(bytes);
     image.whyNone = _whyNotShown(image, limits.pixels);
     if (!image.whyNone.empty()) return image;
@@ -157,7 +142,7 @@ Thumbnail readImage(std::string const& bytes)
 {
     Thumbnail image;
     for (Format const& format : _formats)
-        if (bytes.compare(0, format.start.size(), format.start) == 0) {
+        if (startsWith(bytes, format.start)) {
             image.type = format.type;
             format.readSize(bytes, image);
         }
@@ -174,8 +159,8 @@ std::map<std::string, Thumbnail> thumbnailsOf(MediaIn source, std::vector<PartFa
 
     source.setpos(0);
     Ref<Rfc822Msg> message = Rfc822Msg::parse(source);
-    Bodies bodies;
-    _collect(finishedRootOf(*message.get()), bodies);
+    std::map<std::string, MimePart*> bodies;
+    for (PartView const& view : partsFrom(finishedRootOf(*message.get()))) bodies[view.path] = view.part;
     std::uint64_t left = limits.bytesInAll;
     for (PartFacts const& part : parts) {
         auto const body = bodies.find(part.path);

@@ -8,6 +8,8 @@
 #include <algorithm>
 #include <cstring>
 
+#include "facts/Text.h"
+
 namespace VelmaraCommand {
 
 namespace {
@@ -16,11 +18,6 @@ constexpr std::size_t _windowSize = 128 << 10;
 constexpr std::size_t _longestLine = 1000;
 constexpr std::string_view _sought = "\nFrom ";
 constexpr std::size_t _undecided = 7; // "\r\nFrom" without its blank
-
-bool _isDigit(char c)
-{
-    return c >= '0' && c <= '9';
-}
 
 /// What is left of a line that is being read from its front.
 struct Cursor {
@@ -46,7 +43,7 @@ struct Cursor {
     bool digits(std::size_t least, std::size_t most)
     {
         std::size_t n = 0;
-        while (n < text.size() && _isDigit(text[n])) ++n;
+        while (n < text.size() && isDigit(text[n])) ++n;
         if (n < least || n > most) return false;
         text.remove_prefix(n);
         return true;
@@ -124,14 +121,14 @@ std::string_view _withoutLineEnd(std::string_view line)
 /// 0, 1 for LF, 2 for CR LF.
 std::size_t _emptyLine(std::string_view text)
 {
-    return text.substr(0, 1) == "\n" ? 1 : text.substr(0, 2) == "\r\n" ? 2 : 0;
+    return startsWith(text, "\n") ? 1 : startsWith(text, "\r\n") ? 2 : 0;
 }
 
 } // namespace
 
 bool looksLikeFromLine(std::string_view line)
 {
-    if (line.size() > _longestLine || line.substr(0, 5) != "From ") return false;
+    if (line.size() > _longestLine || !startsWith(line, "From ")) return false;
     Cursor at{_withoutLineEnd(line).substr(5)};
     at.blanks();
     if (_isDate(at)) return true;

@@ -6,6 +6,7 @@
 
 #include "DirectoryWalk.h"
 #include "MessageSource.h"
+#include "facts/Text.h"
 
 namespace VelmaraCommand {
 
@@ -56,15 +57,10 @@ private:
     std::atomic<std::uint64_t>* m_passed;
 };
 
-bool _endsWith(std::string const& text, std::string_view suffix)
-{
-    return text.size() >= suffix.size() && text.compare(text.size() - suffix.size(), suffix.size(), suffix) == 0;
-}
-
 /// A file with such a name is an mbox even if its beginning has been cut off.
 bool _isNamedMbox(std::string const& name)
 {
-    return _endsWith(name, ".mbox") || _endsWith(name, ".mbx");
+    return endsWith(name, ".mbox") || endsWith(name, ".mbx");
 }
 
 std::unique_ptr<MessageSource> _messagesOf(ScanContext const& context, NamedStream stream, std::string_view head)

@@ -12,6 +12,7 @@
 
 #include "Verb.h"
 #include "facts/Shown.h"
+#include "facts/Text.h"
 
 namespace VelmaraCommand {
 
@@ -95,7 +96,7 @@ std::string reasonOf(Velmara::Exception const& failure, std::string const& path)
 {
     std::string const& detail = failure.stringParameter();
     if (detail.empty()) return failure.asString();
-    return detail.compare(0, path.size() + 2, path + ": ") == 0 ? detail.substr(path.size() + 2) : detail;
+    return startsWith(detail, path + ": ") ? detail.substr(path.size() + 2) : detail;
 }
 
 std::string readStandardIn()

@@ -131,7 +131,7 @@ void _sayRun(Run const& run)
         run.view == Run::HiddenByColour
             ? ", " + _colour(run.foreground) + " on " + _colour(run.background) + " (distance " + distance + ")"
             : "";
-    _say(nameOf(run.view).label + colours + ": \"" + clipped(folded(run.text), _quotedColumns) + '"');
+    _say(nameOf(run.view).label + colours + ": \"" + clipped(shown(folded(run.text)), _quotedColumns) + '"');
 }
 
 void _sayHidden(HtmlFacts const& html)

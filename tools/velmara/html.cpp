@@ -50,7 +50,7 @@ void _print(Run const& run)
     if (isLayout(run.text)) return;
     std::cout << "    " << nameOf(run.view).label << ", " << _asText(run.foreground) << " on "
               << _asText(run.background) << " (distance " << _distanceOf(run) << "), size " << run.size << ": "
-              << folded(run.text) << '\n';
+              << shown(folded(run.text)) << '\n';
 }
 
 void _print(Link const& link)
@@ -58,7 +58,8 @@ void _print(Link const& link)
     std::cout << "    link (" << link.element << ") to " << (link.host.empty() ? "-" : shown(link.host)) << ": "
               << shown(link.uri) << '\n';
     for (std::string const& other : link.otherHosts)
-        std::cout << "        its text names another host, " << shown(other) << ": " << folded(link.text) << '\n';
+        std::cout << "        its text names another host, " << shown(other) << ": " << shown(folded(link.text))
+                  << '\n';
 }
 
 void _print(ShownImage const& image)

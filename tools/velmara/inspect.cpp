@@ -203,7 +203,7 @@ private:
     {
         PartFacts const* const part = textPartOf(parts);
         if (!part) return;
-        for (std::string const& row : wrapped(folded(part->text->text), _width - _labelWidth, _mostTextLines))
+        for (std::string const& row : wrapped(shown(folded(part->text->text)), _width - _labelWidth, _mostTextLines))
             line("Text", row);
     }
 
