@@ -42,7 +42,7 @@ int _writeBody(Input& input, Options const& options)
     if (!_hasBody(view)) {
         std::string const what =
             view.part ? std::string("is a ") + nameOf(view.kind) + " and has no body of its own" : "does not exist";
-        complain(input.name(), "part " + shown(options.path) + " " + what + "; `velmara tree` lists the parts");
+        complain(input.name(), "part " + options.path + " " + what + "; `velmara tree` lists the parts");
         return WrongUseOrUnreadable;
     }
     if (view.part->blen() == 0) return Done; // an empty body that is read again gives the byte in front of it

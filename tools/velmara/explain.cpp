@@ -1,13 +1,9 @@
 // `velmara explain`: why a message reads as it does, part by part with byte positions, and what in it can be
 // read in two ways. Places are written as [begin, end).
-#include <cstdio>
 #include <iostream>
-#include <memory>
 #include <string>
-#include <vector>
 
-#include "Input.h"
-#include "Verb.h"
+#include "MessageVerb.h"
 #include "facts/Columns.h"
 #include "facts/HtmlReading.h"
 #include "facts/MessageFacts.h"
@@ -16,11 +12,6 @@
 namespace VelmaraCommand {
 
 namespace {
-
-struct Options {
-    std::vector<std::string> files;
-    bool json = false;
-};
 
 constexpr size_t _mostRuns = 8;
 constexpr size_t _quotedColumns = 60;
@@ -42,12 +33,11 @@ void _say(std::string const& text)
 
 std::string _headingOf(PartFacts const& part)
 {
-    bool const isAround = part.kind == PartKind::Preamble || part.kind == PartKind::Epilogue;
     bool const isPlain = part.kind == PartKind::Leaf || part.kind == PartKind::Multipart;
     std::string line = part.path + " " + (part.mediaType.empty() ? nameOf(part.kind) : shown(part.mediaType));
     if (!part.name.empty()) line += " " + _quoted(part.name);
     if (!part.mediaType.empty() && !isPlain) line += std::string(" (") + nameOf(part.kind) + ")";
-    if (!isAround) line += ", header " + _placeOf(part.header);
+    if (hasHeaders(part.kind)) line += ", header " + _placeOf(part.header);
     return line + ", body " + _placeOf(part.body);
 }
 
@@ -118,20 +108,13 @@ void _saySignature(SignatureFacts const& signature)
 
 // ---- hidden text ------------------------------------------------------------------------------
 
-std::string _colour(int const (&colour)[3])
-{
-    return std::to_string(colour[0]) + "," + std::to_string(colour[1]) + "," + std::to_string(colour[2]);
-}
-
 void _sayRun(Run const& run)
 {
-    char distance[32];
-    std::snprintf(distance, sizeof distance, "%.1f", run.distance);
-    std::string const colours =
-        run.view == Run::HiddenByColour
-            ? ", " + _colour(run.foreground) + " on " + _colour(run.background) + " (distance " + distance + ")"
-            : "";
-    _say(nameOf(run.view).label + colours + ": \"" + clipped(shown(folded(run.text)), _quotedColumns) + '"');
+    std::string text = nameOf(run.view).label;
+    if (run.view == Run::HiddenByColour)
+        text += ", " + shownColour(run.foreground) + " on " + shownColour(run.background) + " (distance " +
+                shownDistance(run) + ")";
+    _say(text + ": " + _quoted(folded(run.text)));
 }
 
 void _sayHidden(HtmlFacts const& html)
@@ -169,15 +152,13 @@ void _show(MessageFacts const& facts)
     for (Finding const& finding : facts.findings) _show(finding);
 }
 
-int _explainMessage(Input& input, Options const& options)
+int _explainMessage(Input& input, MessageOptions const& options)
 {
     MessageFacts const facts = factsOf(input.media());
     if (options.json) {
-        Json json{{"file", input.name()}};
-        json.update(jsonOf(facts));
-        writeJsonLine(json);
+        writeJson(input, jsonOf(facts));
     } else {
-        if (options.files.size() > 1) std::cout << shown(input.name()) << ":\n";
+        printName(input, options);
         _show(facts);
     }
     return facts.findings.empty() ? Done : DoneWithFindings;
@@ -187,17 +168,10 @@ int _explainMessage(Input& input, Options const& options)
 
 void addExplain(CLI::App& commandLine, Action& action)
 {
-    auto options = std::make_shared<Options>();
-    CLI::App* verb =
-        commandLine.add_subcommand("explain", "Tell why a message reads as it does, and what is odd in it");
-    verb->add_option("FILE", options->files, "Message files; \"-\" is standard input")->required();
-    verb->add_flag("--json", options->json, "One JSON object a message");
+    MessageVerb<MessageOptions> verb(commandLine, "explain",
+                                     "Tell why a message reads as it does, and what is odd in it");
     verb->footer("Exit status 1 means that something was found.\nExample: velmara explain mail.eml");
-    verb->callback([options, &action] {
-        action = [options] {
-            return forEachInput(options->files, [&](Input& in) { return _explainMessage(in, *options); });
-        };
-    });
+    verb.runForEach(_explainMessage, action);
 }
 
 } // namespace VelmaraCommand

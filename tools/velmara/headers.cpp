@@ -1,13 +1,12 @@
 // `velmara headers`: each header as a reader would see it, or what the typed headers make of it.
+#include <algorithm>
 #include <iostream>
-#include <memory>
 #include <string>
 #include <vector>
 
 #include <velmara/Velmara.h>
 
-#include "Input.h"
-#include "Verb.h"
+#include "MessageVerb.h"
 #include "facts/Hop.h"
 #include "facts/PartPath.h"
 #include "facts/Shown.h"
@@ -18,9 +17,8 @@ namespace {
 
 using namespace Velmara;
 
-struct Options {
-    std::vector<std::string> files;
-    bool raw = false, json = false, all = false;
+struct Options : MessageOptions {
+    bool raw = false, all = false;
 };
 
 void _addAddresses(Json& json, Header const& header)
@@ -142,29 +140,23 @@ void _print(HeaderContainer const& headers, bool raw)
         std::cout << shown(header.type()) << ": " << shown(_valueOf(header, raw)) << '\n';
 }
 
-/// Every part that has headers of its own, in message order.
-void _collect(PartView const& view, std::vector<PartView>& parts)
-{
-    if (!view.part->headers().headers().empty()) parts.push_back(view);
-    for (PartView const& child : childrenOf(view)) _collect(child, parts);
-}
-
+/// The message alone, or every part that has headers of its own.
 std::vector<PartView> _partsOf(Rfc822Msg& message, bool all)
 {
-    std::vector<PartView> parts;
-    if (all)
-        _collect(finishedRootOf(message), parts);
-    else
-        parts.push_back(PartView{message.root(), PartKind::Leaf, "1"});
+    if (!all) return {PartView{message.root(), PartKind::Leaf, "1"}};
+    std::vector<PartView> parts = partsFrom(finishedRootOf(message));
+    parts.erase(std::remove_if(parts.begin(), parts.end(),
+                               [](PartView const& view) { return view.part->headers().headers().empty(); }),
+                parts.end());
     return parts;
 }
 
-void _writeJson(std::string const& file, std::vector<PartView> const& views, Options const& options)
+Json _jsonOf(std::vector<PartView> const& views, bool raw)
 {
     Json parts = Json::array();
     for (PartView const& view : views)
-        parts.push_back(Json{{"path", view.path}, {"headers", _jsonOf(view.part->headers(), options.raw)}});
-    writeJsonLine(Json{{"file", file}, {"parts", std::move(parts)}});
+        parts.push_back(Json{{"path", view.path}, {"headers", _jsonOf(view.part->headers(), raw)}});
+    return parts;
 }
 
 int _showHeaders(Input& input, Options const& options)
@@ -172,10 +164,10 @@ int _showHeaders(Input& input, Options const& options)
     Ref<Rfc822Msg> message = Rfc822Msg::parse(input.media());
     std::vector<PartView> const parts = _partsOf(*message.get(), options.all);
     if (options.json) {
-        _writeJson(input.name(), parts, options);
+        writeJson(input, {{"parts", _jsonOf(parts, options.raw)}});
         return Done;
     }
-    if (options.files.size() > 1) std::cout << shown(input.name()) << ":\n";
+    printName(input, options);
     for (PartView const& view : parts) {
         if (options.all) std::cout << view.path << '\n';
         _print(view.part->headers(), options.raw);
@@ -187,18 +179,12 @@ int _showHeaders(Input& input, Options const& options)
 
 void addHeaders(CLI::App& commandLine, Action& action)
 {
-    auto options = std::make_shared<Options>();
-    CLI::App* verb = commandLine.add_subcommand("headers", "Show the headers of a message, decoded to UTF-8");
-    verb->add_option("FILE", options->files, "Message files; \"-\" is standard input")->required();
-    verb->add_flag("--raw", options->raw, "Values as they stand");
-    verb->add_flag("--all", options->all, "Those of every part, each behind its path");
-    verb->add_flag("--json", options->json, "One JSON object a message, with what the typed headers read");
+    MessageVerb<Options> verb(commandLine, "headers", "Show the headers of a message, decoded to UTF-8",
+                              "One JSON object a message, with what the typed headers read");
+    verb->add_flag("--raw", verb.options().raw, "Values as they stand");
+    verb->add_flag("--all", verb.options().all, "Those of every part, each behind its path");
     verb->footer("Example: velmara headers --json mail.eml");
-    verb->callback([options, &action] {
-        action = [options] {
-            return forEachInput(options->files, [&](Input& in) { return _showHeaders(in, *options); });
-        };
-    });
+    verb.runForEach(_showHeaders, action);
 }
 
 } // namespace VelmaraCommand

@@ -3,13 +3,11 @@
 #include <algorithm>
 #include <iostream>
 #include <map>
-#include <memory>
 #include <set>
 #include <string>
 #include <vector>
 
-#include "Input.h"
-#include "Verb.h"
+#include "MessageVerb.h"
 #include "facts/Columns.h"
 #include "facts/Findings.h"
 #include "facts/HtmlReading.h"
@@ -20,11 +18,6 @@
 namespace VelmaraCommand {
 
 namespace {
-
-struct Options {
-    std::vector<std::string> files;
-    bool json = false;
-};
 
 constexpr size_t _width = 80;
 constexpr size_t _labelWidth = 12; // the last two for a mark
@@ -120,14 +113,12 @@ private:
 
     static bool isWorthALine(PartFacts const& part)
     {
-        bool const isAround = part.kind == PartKind::Preamble || part.kind == PartKind::Epilogue;
-        return !isAround || (part.text && !isBlank(part.text->text));
+        return hasHeaders(part.kind) || (part.text && !isBlank(part.text->text));
     }
 
     static std::string declaredOf(PartFacts const& part)
     {
-        bool const isAround = part.kind == PartKind::Preamble || part.kind == PartKind::Epilogue;
-        if (isAround) return std::string("(") + VelmaraCommand::nameOf(part.kind) + ")";
+        if (!hasHeaders(part.kind)) return std::string("(") + VelmaraCommand::nameOf(part.kind) + ")";
         return part.mediaType.empty() ? "(none)" : shown(part.mediaType);
     }
 
@@ -309,16 +300,14 @@ private:
     std::string m_label; // of the last line
 };
 
-int _inspect(Input& input, Options const& options)
+int _inspect(Input& input, MessageOptions const& options)
 {
     MessageFacts const facts = factsOf(input.media());
     if (options.json) {
-        Json json{{"file", input.name()}};
-        json.update(jsonOf(facts));
-        writeJsonLine(json);
+        writeJson(input, jsonOf(facts));
         return Done;
     }
-    if (options.files.size() > 1) std::cout << shown(input.name()) << ":\n";
+    printName(input, options);
     Screen().show(facts);
     if (options.files.size() > 1) std::cout << '\n';
     return Done;
@@ -328,14 +317,10 @@ int _inspect(Input& input, Options const& options)
 
 void addInspect(CLI::App& commandLine, Action& action)
 {
-    auto options = std::make_shared<Options>();
-    CLI::App* verb = commandLine.add_subcommand("inspect", "Show one message on one screen");
-    verb->add_option("FILE", options->files, "Message files; \"-\" is standard input")->required();
-    verb->add_flag("--json", options->json, "One JSON object a message, with all that is known of it");
+    MessageVerb<MessageOptions> verb(commandLine, "inspect", "Show one message on one screen",
+                                     "One JSON object a message, with all that is known of it");
     verb->footer("Example: velmara inspect mail.eml");
-    verb->callback([options, &action] {
-        action = [options] { return forEachInput(options->files, [&](Input& in) { return _inspect(in, *options); }); };
-    });
+    verb.runForEach(_inspect, action);
 }
 
 } // namespace VelmaraCommand

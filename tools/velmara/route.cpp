@@ -1,14 +1,12 @@
 // `velmara route`: the way of a message, from its "Received" headers. Each was written by the host that
 // took the message over, so all below the first host that is not trusted may be made up.
 #include <iostream>
-#include <memory>
 #include <string>
 #include <vector>
 
 #include <velmara/Velmara.h>
 
-#include "Input.h"
-#include "Verb.h"
+#include "MessageVerb.h"
 #include "facts/Hop.h"
 #include "facts/MailDate.h"
 #include "facts/Shown.h"
@@ -19,9 +17,8 @@ namespace {
 
 using namespace Velmara;
 
-struct Options {
-    std::vector<std::string> files, networks;
-    bool json = false;
+struct Options : MessageOptions {
+    std::vector<std::string> networks;
 };
 
 /// False, with a complaint, where one cannot be read.
@@ -30,7 +27,7 @@ bool _readNetworks(std::vector<std::string> const& texts, TrustedMTASet& trusted
     for (std::string const& text : texts) {
         IPAddressMask const network(text);
         if (network.isNull()) {
-            complain("--trusted", shown(text) + " is no network; write 192.0.2.0/24 or 2001:db8::/32");
+            complain("--trusted", text + " is no network; write 192.0.2.0/24 or 2001:db8::/32");
             return false;
         }
         trusted.trustedMTAs.insert(network);
@@ -97,10 +94,10 @@ int _showRoute(Input& input, Options const& options, TrustedMTASet const& truste
     Ref<Rfc822Msg> message = Rfc822Msg::parse(input.media());
     std::vector<Hop> const route = routeOf(message->root()->headers());
     if (options.json) {
-        writeJsonLine(Json{{"file", input.name()}, {"hops", _jsonOf(route, trusted)}});
+        writeJson(input, {{"hops", _jsonOf(route, trusted)}});
         return Done;
     }
-    if (options.files.size() > 1) std::cout << shown(input.name()) << ":\n";
+    printName(input, options);
     _draw(route, trusted);
     return Done;
 }
@@ -116,16 +113,13 @@ int _showRoutes(Options const& options)
 
 void addRoute(CLI::App& commandLine, Action& action)
 {
-    auto options = std::make_shared<Options>();
-    CLI::App* verb = commandLine.add_subcommand("route", "Draw the way of a message from its \"Received\" headers");
-    verb->add_option("FILE", options->files, "Message files; \"-\" is standard input")->required();
-    verb->add_option("--trusted", options->networks, "Mark hops from this network; may be given several times")
+    MessageVerb<Options> verb(commandLine, "route", "Draw the way of a message from its \"Received\" headers");
+    verb->add_option("--trusted", verb.options().networks, "Mark hops from this network; may be given several times")
         ->type_name("NETWORK")
         ->delimiter(',')
         ->allow_extra_args(false);
-    verb->add_flag("--json", options->json, "One JSON object a message");
     verb->footer("Example: velmara route --trusted 192.0.2.0/24 mail.eml");
-    verb->callback([options, &action] { action = [options] { return _showRoutes(*options); }; });
+    verb.run(_showRoutes, action);
 }
 
 } // namespace VelmaraCommand

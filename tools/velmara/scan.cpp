@@ -163,7 +163,7 @@ private:
     {
         if (interrupted()) return; // what was cut short is not at fault
         (severity == Severity::Unreadable ? m_unreadable : m_leftOut) = true;
-        m_progress.aside([&] { complain(shown(place), shown(reason)); });
+        m_progress.aside([&] { complain(place, reason); });
     }
 
     Options const& m_options;
@@ -176,7 +176,7 @@ int _scan(Options const& options)
     ScanOptions scan;
     scan.threads = options.threads;
     if (!_readShard(options.shard, scan)) {
-        complain("--shard " + shown(options.shard), "is not I/N with I from 0 to N - 1");
+        complain("--shard " + options.shard, "is not I/N with I from 0 to N - 1");
         return WrongUseOrUnreadable;
     }
     std::signal(SIGXFSZ, SIG_IGN); // a file that grows beyond a limit is an error like a full disk
@@ -185,10 +185,10 @@ int _scan(Options const& options)
         status = Run(options).run(scan);
     } catch (FileFailure const& failure) {
         status = WrongUseOrUnreadable;
-        if (!interrupted()) complain(shown(failure.place), shown(failure.what()));
+        if (!interrupted()) complain(failure.place, failure.what());
     } catch (ScanFailure const& failure) {
         status = WrongUseOrUnreadable;
-        complain(shown(options.output), shown(failure.what()));
+        complain(options.output, failure.what());
     }
     endByInterrupt();
     return status;

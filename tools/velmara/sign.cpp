@@ -8,8 +8,7 @@
 
 #include <velmara/Velmara.h>
 
-#include "Input.h"
-#include "Verb.h"
+#include "MessageVerb.h"
 #include "facts/PartPath.h"
 #include "facts/Shown.h"
 #include "facts/Signing.h"
@@ -20,10 +19,8 @@ namespace {
 
 using namespace Velmara;
 
-struct Options {
-    std::vector<std::string> files;
+struct Options : MessageOptions {
     std::string as; // empty: the file is a message
-    bool json = false;
     bool showExtract = false;
 };
 
@@ -72,13 +69,6 @@ void _printText(std::string const& name, Signing const& signing, size_t bodyLeng
     if (showExtract && !signing.signature().empty()) std::cout << "    " << shown(_readable(signing)) << '\n';
 }
 
-std::string _bodyOf(MimePart& part)
-{
-    std::string body;
-    if (part.blen() != 0) part.body(true).read(body); // an empty body that is read again gives the byte in front of it
-    return body;
-}
-
 /// A part and what was made of it.
 struct SignedPart {
     std::string path;
@@ -86,36 +76,36 @@ struct SignedPart {
     size_t bodyLength;
 };
 
-/// Every part with a body of its own, in message order.
-void _signParts(PartView const& view, std::vector<SignedPart>& parts)
+SignedPart _signed(PartView const& view)
 {
-    if (view.kind == PartKind::Leaf || view.kind == PartKind::Skipped) {
-        ContentType const type(view.part->headers().find(ContentType::htype));
-        std::string const body = _bodyOf(*view.part);
-        Signing signing(HasherFactory::createHasher(type, 0).dataType());
-        signing.process(body, HasherFactory::maxHashBufSize(type), body.size());
-        parts.push_back(SignedPart{view.path, signing, body.size()});
-    }
-    for (PartView const& child : childrenOf(view)) _signParts(child, parts);
+    ContentType const type(view.part->headers().find(ContentType::htype));
+    std::string const body = decodedBodyOf(*view.part);
+    Signing signing(HasherFactory::createHasher(type, 0).dataType());
+    signing.process(body, HasherFactory::maxHashBufSize(type), body.size());
+    return SignedPart{view.path, signing, body.size()};
+}
+
+Json _jsonOf(SignedPart const& part, bool showExtract)
+{
+    Json json{{"path", part.path}};
+    _addTo(json, part.signing, part.bodyLength, showExtract);
+    return json;
 }
 
 int _signMessage(Input& input, Options const& options)
 {
     Ref<Rfc822Msg> message = Rfc822Msg::parse(input.media());
-    std::vector<SignedPart> parts;
-    _signParts(finishedRootOf(*message.get()), parts);
-    if (options.json) {
-        Json list = Json::array();
-        for (SignedPart const& part : parts) {
-            Json json{{"path", part.path}};
-            _addTo(json, part.signing, part.bodyLength, options.showExtract);
-            list.push_back(std::move(json));
-        }
-        writeJsonLine(Json{{"file", input.name()}, {"parts", std::move(list)}});
-        return Done;
+    if (!options.json) printName(input, options);
+    Json parts = Json::array();
+    for (PartView const& view : partsFrom(finishedRootOf(*message.get()))) {
+        if (view.kind != PartKind::Leaf && view.kind != PartKind::Skipped) continue; // has no body of its own
+        SignedPart const part = _signed(view);
+        if (options.json)
+            parts.push_back(_jsonOf(part, options.showExtract));
+        else
+            _printText(part.path, part.signing, part.bodyLength, options.showExtract);
     }
-    if (options.files.size() > 1) std::cout << shown(input.name()) << ":\n";
-    for (SignedPart const& part : parts) _printText(part.path, part.signing, part.bodyLength, options.showExtract);
+    if (options.json) writeJson(input, {{"parts", parts}});
     return Done;
 }
 
@@ -126,9 +116,9 @@ int _signFile(Input& input, Hasher::DataType type, Options const& options)
     Signing signing(type);
     signing.process(body, std::max<size_t>(body.size(), 1), body.size());
     if (options.json) {
-        Json json{{"file", input.name()}};
+        Json json;
         _addTo(json, signing, body.size(), options.showExtract);
-        writeJsonLine(json);
+        writeJson(input, json);
     } else {
         _printText(shown(input.name()) + ":", signing, body.size(), options.showExtract);
     }

@@ -2,16 +2,14 @@
 // and token counts are made of, so nothing is tidied: no separator between parts, no conversion.
 #include <algorithm>
 #include <iostream>
-#include <memory>
 #include <string>
 #include <string_view>
-#include <vector>
 
 #include <velmara/Velmara.h>
 
-#include "Input.h"
-#include "Verb.h"
+#include "MessageVerb.h"
 #include "facts/Shown.h"
+#include "facts/Text.h"
 
 namespace VelmaraCommand {
 
@@ -19,19 +17,13 @@ namespace {
 
 using namespace Velmara;
 
-struct Options {
-    std::vector<std::string> files;
-    bool json = false;
-};
-
 std::string _textOf(Rfc822Msg& message)
 {
     BayesianVisitor visitor;
     visitor.init(message.root());
     message.root()->visit(&visitor);
     visitor.done();
-    Buffer const& text = find_MimeRfc822Msg_Text_buffer(Ref<MimePart>(message.root(), true), MPartAttribute::TypeText);
-    return std::string(reinterpret_cast<char const*>(text.data()), text.length());
+    return stringOf(find_MimeRfc822Msg_Text_buffer(Ref<MimePart>(message.root(), true), MPartAttribute::TypeText));
 }
 
 void _writeLines(std::string_view text)
@@ -43,15 +35,15 @@ void _writeLines(std::string_view text)
     }
 }
 
-int _showText(Input& input, Options const& options)
+int _showText(Input& input, MessageOptions const& options)
 {
     Ref<Rfc822Msg> message = Rfc822Msg::parse(input.media());
     std::string const text = _textOf(*message.get());
     if (options.json) {
-        writeJsonLine(Json{{"file", input.name()}, {"text", text}});
+        writeJson(input, {{"text", text}});
         return Done;
     }
-    if (options.files.size() > 1) std::cout << shown(input.name()) << ":\n";
+    printName(input, options);
     _writeLines(text);
     return Done;
 }
@@ -60,14 +52,9 @@ int _showText(Input& input, Options const& options)
 
 void addText(CLI::App& commandLine, Action& action)
 {
-    auto options = std::make_shared<Options>();
-    CLI::App* verb = commandLine.add_subcommand("text", "Print the text of a message that an analysis gets");
-    verb->add_option("FILE", options->files, "Message files; \"-\" is standard input")->required();
-    verb->add_flag("--json", options->json, "One JSON object a message");
+    MessageVerb<MessageOptions> verb(commandLine, "text", "Print the text of a message that an analysis gets");
     verb->footer("Example: velmara text mail.eml");
-    verb->callback([options, &action] {
-        action = [options] { return forEachInput(options->files, [&](Input& in) { return _showText(in, *options); }); };
-    });
+    verb.runForEach(_showText, action);
 }
 
 } // namespace VelmaraCommand

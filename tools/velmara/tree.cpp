@@ -1,14 +1,12 @@
 // `velmara tree`: one line for each part. The tree is finished first and printed then, because a part
 // learns the length of its body only when the parser leaves it.
 #include <iostream>
-#include <memory>
 #include <string>
 #include <vector>
 
 #include <velmara/Velmara.h>
 
-#include "Input.h"
-#include "Verb.h"
+#include "MessageVerb.h"
 #include "facts/PartLabels.h"
 #include "facts/PartPath.h"
 #include "facts/Shown.h"
@@ -19,18 +17,11 @@ namespace {
 
 using namespace Velmara;
 
-struct Options {
-    std::vector<std::string> files;
-    bool json = false;
+struct Options : MessageOptions {
     bool headers = false;
 };
 
 constexpr unsigned long _notSet = 0xFFFFFFFFul;
-
-bool _hasHeaders(PartKind kind)
-{
-    return kind != PartKind::Preamble && kind != PartKind::Epilogue;
-}
 
 void _addWord(std::string& line, char const* label, std::string const& text)
 {
@@ -41,7 +32,7 @@ std::string _lineOf(PartView const& view)
 {
     MimePart& part = *view.part;
     std::string line = view.path + " " + nameOf(view.kind);
-    if (!_hasHeaders(view.kind)) return line;
+    if (!hasHeaders(view.kind)) return line;
     PartLabels const labels = labelsOf(part.headers());
     _addWord(line, "", labels.mediaType);
     _addWord(line, "charset=", labels.charset);
@@ -60,7 +51,7 @@ public:
     {
         std::cout << dim(before) << _lineOf(view) << '\n';
         std::vector<PartView> const children = childrenOf(view);
-        if (m_headers && _hasHeaders(view.kind)) printHeaders(*view.part, below + (children.empty() ? "    " : "│   "));
+        if (m_headers && hasHeaders(view.kind)) printHeaders(*view.part, below + (children.empty() ? "    " : "│   "));
         for (size_t i = 0; i < children.size(); ++i) {
             bool const last = i + 1 == children.size();
             print(children[i], below + (last ? "└── " : "├── "), below + (last ? "    " : "│   "));
@@ -108,7 +99,7 @@ Json _jsonOf(PartView const& view, bool headers)
 {
     MimePart& part = *view.part;
     Json json{{"path", view.path}, {"kind", nameOf(view.kind)}};
-    if (_hasHeaders(view.kind)) {
+    if (hasHeaders(view.kind)) {
         PartLabels const labels = labelsOf(part.headers());
         setIfAny(json, "mediaType", labels.mediaType);
         setIfAny(json, "charset", labels.charset);
@@ -131,10 +122,10 @@ int _showTree(Input& input, Options const& options)
     Ref<Rfc822Msg> message = Rfc822Msg::parse(input.media());
     PartView const root = finishedRootOf(*message.get());
     if (options.json) {
-        writeJsonLine(Json{{"file", input.name()}, {"root", _jsonOf(root, options.headers)}});
+        writeJson(input, {{"root", _jsonOf(root, options.headers)}});
         return Done;
     }
-    if (options.files.size() > 1) std::cout << shown(input.name()) << ":\n";
+    printName(input, options);
     TextPrinter(options.headers).print(root, "", "");
     return Done;
 }
@@ -143,15 +134,10 @@ int _showTree(Input& input, Options const& options)
 
 void addTree(CLI::App& commandLine, Action& action)
 {
-    auto options = std::make_shared<Options>();
-    CLI::App* verb = commandLine.add_subcommand("tree", "Draw the parts of a message, one line a part");
-    verb->add_option("FILE", options->files, "Message files; \"-\" is standard input")->required();
-    verb->add_flag("--json", options->json, "One JSON object a message");
-    verb->add_flag("--headers", options->headers, "Show each header of each part as it stands");
+    MessageVerb<Options> verb(commandLine, "tree", "Draw the parts of a message, one line a part");
+    verb->add_flag("--headers", verb.options().headers, "Show each header of each part as it stands");
     verb->footer("Example: velmara tree --headers mail.eml");
-    verb->callback([options, &action] {
-        action = [options] { return forEachInput(options->files, [&](Input& in) { return _showTree(in, *options); }); };
-    });
+    verb.runForEach(_showTree, action);
 }
 
 } // namespace VelmaraCommand

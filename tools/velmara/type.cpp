@@ -7,8 +7,7 @@
 #include <velmara/Exception.h>
 #include <velmara/SharedMimeInfo.h>
 
-#include "Input.h"
-#include "Verb.h"
+#include "MessageVerb.h"
 #include "facts/Shown.h"
 #include "facts/TypeReasons.h"
 
@@ -19,10 +18,8 @@ namespace {
 using namespace Velmara;
 using Why = MimeTypeExplanation;
 
-struct Options {
-    std::vector<std::string> files;
+struct Options : MessageOptions {
     std::string database;
-    bool json = false;
     bool explain = false;
 };
 
@@ -55,15 +52,15 @@ template <class Hits> Json _jsonOf(Hits const& hits)
     return json;
 }
 
-void _showJson(std::string const& file, Why const& why, unsigned int code, bool explain)
+void _showJson(Input const& input, Why const& why, unsigned int code, bool explain)
 {
-    Json json{{"file", file}, {"type", *why.mimeType}, {"code", code}};
+    Json json{{"type", *why.mimeType}, {"code", code}};
     if (explain) {
         json["reason"] = nameOf(why.reason);
         json["globs"] = _jsonOf(why.globs);
         json["magic"] = _jsonOf(why.magics);
     }
-    writeJsonLine(json);
+    writeJson(input, json);
 }
 
 void _showReasons(Why const& why)
@@ -84,7 +81,7 @@ int _tellType(Input& input, SharedMimeInfoImpl const& database, Options const& o
     Why const why = database.explain(start, input.fileName());
     unsigned int const code = database.type(*why.mimeType);
     if (options.json)
-        _showJson(input.name(), why, code, options.explain);
+        _showJson(input, why, code, options.explain);
     else {
         std::cout << shown(input.name()) << ": " << shown(*why.mimeType) << ", "
                   << (code ? "code " + std::to_string(code) : "no code") << '\n';
