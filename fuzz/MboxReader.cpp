@@ -1,33 +1,17 @@
 // Any file as an mbox: the separators and messages, one behind the other, are the file; every cut of the
 // reads gives the same; and each separator but the first is an empty line and a line that looks like a
 // message's first. The alphabet of a mail makes lines that nearly do.
-#include <algorithm>
 #include <cstdint>
 #include <cstdlib>
 #include <string>
 #include <vector>
 
-#include "tools/scan/MboxReader.h"
+#include "scan/MboxReader.h"
+#include "tests/support/CutStream.h"
 
 namespace {
 
 using namespace VelmaraCommand;
-
-class CutStream : public ByteStream {
-public:
-    CutStream(std::string const& text, std::size_t most) : m_text(text), m_most(most) {}
-    std::size_t read(char* bytes, std::size_t n) override
-    {
-        std::size_t const taken = m_text.copy(bytes, std::min(n, m_most), m_at);
-        m_at += taken;
-        return taken;
-    }
-
-private:
-    std::string const& m_text;
-    std::size_t const m_most;
-    std::size_t m_at = 0;
-};
 
 void _require(bool claim)
 {

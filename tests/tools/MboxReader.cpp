@@ -1,31 +1,14 @@
 #include "scan/MboxReader.h"
 
-#include <algorithm>
 #include <string>
 
 #include <gtest/gtest.h>
 
+#include "support/CutStream.h"
 #include "support/Rule.h"
 
 namespace VelmaraCommand {
 namespace {
-
-/// Gives a text in reads of at most so many bytes.
-class CutStream : public ByteStream {
-public:
-    CutStream(std::string const& text, std::size_t most) : m_text(text), m_most(most) {}
-    std::size_t read(char* bytes, std::size_t n) override
-    {
-        std::size_t const taken = m_text.copy(bytes, std::min(n, m_most), m_at);
-        m_at += taken;
-        return taken;
-    }
-
-private:
-    std::string const m_text;
-    std::size_t const m_most;
-    std::size_t m_at = 0;
-};
 
 /// Messages as [...] and separators as they stand, in the order of the file.
 std::string split(std::string const& text, std::size_t most)
