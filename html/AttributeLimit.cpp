@@ -9,7 +9,8 @@
 //
 // It reads bytes, so it cannot see tags in UTF-16 or in another set that is not built on ASCII, be it
 // the one that is declared from outside (`keepsTags`) or one that the document itself asks for
-// (`certain`). The parser then bounds the number of names in a coarser way.
+// (`certain`). Nor can it tell which bytes above 127 are letters, on which it depends where a document
+// type or an instruction ends. The parser then bounds the number of names in a coarser way.
 #include "html/AttributeLimit.h"
 
 #include <algorithm>
@@ -91,8 +92,13 @@ private:
     /// To the first such byte, or NUL, or the end.
     void skipTo(char byte)
     {
-        if (m_nul < m_at || m_at == 0) m_nul = std::min(m_text.find('\0', m_at), m_text.size());
+        if (m_nul < m_at) m_nul = std::min(m_text.find('\0', m_at), m_text.size());
         m_at = std::min(m_text.substr(0, m_nul).find(byte, m_at), m_nul);
+    }
+
+    void doubt()
+    {
+        if (m_text.size() > harmlessSize) m_result.certain = false;
     }
 
     void readMarkup()
@@ -131,11 +137,20 @@ private:
         if (peek() == quote) skip(1);
     }
 
+    /// libxml2 takes letters of any language here. False where no name can begin.
+    bool skipName()
+    {
+        if (!isAlpha(peek()) && peek() != '_' && peek() != ':' && peek() < 0x80) return false;
+        for (; _isNameByte(peek()) || peek() >= 0x80; ++m_at)
+            if (peek() >= 0x80) doubt();
+        return true;
+    }
+
     void readDocumentType()
     {
         skip(8);
         skipBlanks();
-        while (_isNameByte(peek()) || peek() >= 0x80) ++m_at;
+        skipName();
         skipBlanks();
         bool const isPublic = _startsWith(rest(), "public");
         if (isPublic || _startsWith(rest(), "system")) {
@@ -149,8 +164,7 @@ private:
     void readInstruction()
     {
         skip(1);
-        bool const hasTarget = isAlpha(peek()) || peek() == '_' || peek() == ':' || peek() >= 0x80;
-        if (hasTarget) m_at = std::min(m_text.find('>', m_at), m_text.size());
+        if (skipName()) m_at = std::min(m_text.find('>', m_at), m_text.size());
     }
 
     std::string_view readName()
@@ -204,9 +218,8 @@ private:
         }
         if (extra != 0) blank(extra, m_at);
         // A reference can spell "charset" in a way that only libxml2 reads.
-        if (m_text.size() > harmlessSize && sameNoCase(element, "meta") &&
-            m_text.substr(start, m_at - start).find('&') != std::string_view::npos)
-            m_result.certain = false;
+        if (sameNoCase(element, "meta") && m_text.substr(start, m_at - start).find('&') != std::string_view::npos)
+            doubt();
         if (peek() == '>' && (sameNoCase(element, "script") || sameNoCase(element, "style"))) skipScript(element);
     }
 

@@ -79,8 +79,8 @@ INSTANTIATE_TEST_SUITE_P(
         Row{"QuotedValues", "<p a='>' b=\"'>\" c='\"' d e>x"}, Row{"BareValues", "<p a=b'c d=\"e f=g/ h>x"},
         Row{"NoBlankBehindAValue", "<p a='1'b='2'c='3'd>x"}, Row{"BlanksAroundTheSign", "<p a = 1 b\n=\t2 c= 3>x"},
         Row{"SlashesAreNoAttributes", "<p / a / b / c / d>x"}, Row{"EmptyElement", "<br a b c d/>x"},
-        Row{"DigitsAreNoAttributes", "<p 1 2 3 a b c>x"}, Row{"SignsAreNoAttributes", "<p ='x' == a b c>x"},
-        Row{"AnUnclosedQuoteTakesTheRest", "<p a b c='"},
+        Row{"DigitsAreNoAttributes", "<p 1 2 3 a b c>x"}, Row{"NamesMayBeginWithSomeSigns", "<p _a :b .c d>x"},
+        Row{"SignsAreNoAttributes", "<p ='x' == a b c>x"}, Row{"AnUnclosedQuoteTakesTheRest", "<p a b c='"},
         Row{"ALongNameIsSeveral", "<p" + std::string(99, 'q') + longNames + " a>x"},
         Row{"ALongAttributeIsSeveral", "<p " + longNames + ">x"},
         Row{"ANulEndsATag", std::string("<p a b \0 c d>x", 14)},
@@ -92,6 +92,13 @@ INSTANTIATE_TEST_SUITE_P(
         Row{"SystemDocumentType", "<!doctype html system '<p a b c>'><p a b c>x"},
         Row{"OddDocumentType", "<!doctype <p a b c>x"}, Row{"OtherDeclaration", "<!element <p a b c>x"},
         Row{"Instruction", "<?php <p a b c ?><p a b c>x"}, Row{"InstructionWithoutATarget", "<? <p a b c>x"},
+        Row{"InstructionOfAnUnderscore", "<?_ <p a b c ?><p a b c>x"},
+        Row{"InstructionOfAColon", "<?: <p a b c ?><p a b c>x"},
+        Row{"InstructionOfALetterBeyondAscii", "<?\xc3\xa4 <p a b c ?><p a b c>x"},
+        Row{"DocumentTypeOfALetterBeyondAscii", "<!doctype \xc3\xa4 public '> <p a b c'><p a b c>x"},
+        Row{"DocumentTypeOfADigit", "<!doctype 3 public '> <p a b c'><p a b c>x"},
+        Row{"DocumentTypeOfAHyphen", "<!doctype - public '> <p a b c'><p a b c>x"},
+        Row{"DocumentTypeOfAnUnderscore", "<!doctype _3 public '> <p a b c'><p a b c>x"},
         Row{"EndTag", "<p></p a b c='>x"}, Row{"EndTagWithoutAName", "<p></ <p a b c>x"},
         Row{"Script", "<script><p a b c></p></script><p a b c>x"},
         Row{"ScriptWithALongerEndTag", "<script></scripting><p a b c></script><p a b c>x"},
@@ -115,6 +122,7 @@ TEST(AttributeLimit, AgreesWithLibxmlOnAnyMixOfMarkup)
                                              "--!>",
                                              "--",
                                              "<!doctype html",
+                                             "<!doctype ",
                                              "<?x",
                                              "<? ",
                                              ">",
@@ -161,7 +169,11 @@ TEST(AttributeLimit, IsUncertainOfADocumentThatMayLeaveAscii)
     EXPECT_TRUE(certain("charset = windows-1252, charset=koi8-r"));
     EXPECT_FALSE(certain("charset=utf-8 <meta content='x; charset=IBM037'>"));
     EXPECT_FALSE(certain("<meta content='char&#115;et=x'>"));
-    EXPECT_TRUE(AttributeLimit("charset=IBM037").certain); // too small to do harm
+    EXPECT_TRUE(certain("<!doctype html><?xml version='1.0'?>\xc3\xa4"));
+    EXPECT_FALSE(certain("<?\xc2\xa0 <p a b c ?>"));                   // whether it is a letter decides
+    EXPECT_FALSE(certain("<!doctype a\xc2\xa0 public '> <p a b c'>")); // here too
+    EXPECT_TRUE(AttributeLimit(text + "charset=").certain);            // names none
+    EXPECT_TRUE(AttributeLimit("charset=IBM037").certain);             // too small to do harm
 }
 
 } // namespace
