@@ -17,8 +17,7 @@ void tellDeclaredCharset(_xmlNode const* meta, MediaOut& output)
         if (HTML::isNamed(attribute, "content")) content = value;
     });
     if (equivalent.empty() || content.empty()) return;
-    ContentType const type{std::string(content)};
-    if (!type.isNull()) output.characterSet(type.charset());
+    output.characterSet(ContentType(std::string(content)).charset());
 }
 
 } // namespace Velmara

@@ -1,4 +1,3 @@
-#include <libxml/tree.h>
 #include <velmara/HtmlImageExtract.h>
 
 #include <gtest/gtest.h>
@@ -61,7 +60,7 @@ INSTANTIATE_TEST_SUITE_P(
         Row{"AHugeSizeStaysTheLargestNumber", "<body><img src=ab width=99999999999999999999></body>",
             "ab 2147483647x0 0 first;"},
         Row{"AContentIdIsWrittenAsItsHeader", "<body><img src=cid:abc></body>", "<abc> 0x0 0 first;"},
-        Row{"ASourceOfOneByteIsNone", "<body><img src=a><img width=3></body>", ""},
+        Row{"ASourceOfOneByteIsNone", "<body><img src=a><img width=3><img src=''></body>", ""},
         Row{"FramesAndEmbeddedObjectsAreImages", "<body><embed src=ab></body>", "ab 0x0 0 first;"},
         Row{"ABackgroundIsNone", "<body background=ab.png><table background=cd.png><tr><td>x</td></tr></table></body>",
             ""}),
@@ -95,23 +94,51 @@ TEST(HtmlImageExtract, ABackgroundIsAlwaysTheFirstInItsRun)
 // No element of HTML has such a name, but whoever drives the visitor may bring one.
 TEST(HtmlImageExtract, OnlyAnElementNamedLikeALinkGivesItsBackground)
 {
-    for (std::string name : {"table", "background", "SRC"}) {
-        std::string attributeName = "Background", value = "a.gif";
-        xmlNode node{}, text{};
-        xmlAttr attribute{};
-        text.type = XML_TEXT_NODE;
-        text.content = reinterpret_cast<xmlChar*>(value.data());
-        attribute.type = XML_ATTRIBUTE_NODE;
-        attribute.name = reinterpret_cast<xmlChar const*>(attributeName.c_str());
-        attribute.children = &text;
-        node.type = XML_ELEMENT_NODE;
-        node.name = reinterpret_cast<xmlChar const*>(name.c_str());
-        node.properties = &attribute;
-        TextHtmlDoc document(false);
+    for (std::string name : {"table", "background", "SRC"})
+        for (std::string attribute : {"Background", "src"}) {
+            BareNode element(XML_ELEMENT_NODE, name.c_str());
+            element.attribute(attribute.c_str(), "a.gif");
+            ImageProperties properties(0);
+            HtmlImageExtract(nullptr, 0, &properties).background(element.node());
+            EXPECT_EQ(name != "table" && attribute == "Background", !properties.images().empty()) << name << attribute;
+        }
+}
+
+TEST(HtmlImageExtract, OnlyTextsWithContentCountAsText)
+{
+    ImageProperties properties(0);
+    HtmlImageExtract extract(nullptr, 0, &properties);
+    extract.registerImage("ab", 0, 0, false);
+    extract.text(BareNode(XML_COMMENT_NODE, "comment", _longText.c_str()).node());
+    extract.text(BareNode(XML_TEXT_NODE, "text").node());
+    extract.text(BareNode(XML_TEXT_NODE, "text", "").node());
+    extract.calcTextLine(0, false);
+    extract.registerImage("cd", 0, 0, false);
+    EXPECT_EQ(0, extract.textLineBeforeImag());
+    EXPECT_FALSE(properties.images()[1]->firstInRun);
+}
+
+// The parser's document tells of paragraphs by another call; a caller may tell of them by this one.
+TEST(HtmlImageExtract, AParagraphToldAsANodeIsALineLikeADiv)
+{
+    for (char const* name : {"p", "DIV"}) {
         ImageProperties properties(0);
-        HtmlImageExtract(&document, 0, &properties).background(&node);
-        EXPECT_EQ(name == "table" ? 0u : 1u, properties.images().size()) << name;
+        HtmlImageExtract extract(nullptr, 0, &properties);
+        extract.text(BareNode(XML_TEXT_NODE, "text", "ab").node());
+        extract.node(BareNode(XML_ELEMENT_NODE, name).node());
+        EXPECT_EQ(0, extract.textLineBeforeImag()) << name;
+        extract.text(BareNode(XML_TEXT_NODE, "text", _longText.c_str()).node());
+        extract.node(BareNode(XML_ELEMENT_NODE, name).node());
+        EXPECT_EQ(3, extract.textLineBeforeImag()) << name;
     }
+}
+
+TEST(HtmlImageExtract, LinesStopAtTheLargestNumber)
+{
+    HtmlImageExtract extract(nullptr, 0, nullptr);
+    extract.calcTextLine(2147483646, false);
+    extract.calcTextLine(2, false);
+    EXPECT_EQ(2147483647, extract.textLineBeforeImag());
 }
 
 TEST(HtmlImageExtract, AfterTheEndNothingIsAdded)

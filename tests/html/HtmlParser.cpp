@@ -60,6 +60,19 @@ TEST(HtmlParser, EachNodeIsEntered)
     EXPECT_EQ("html(body(p('a'()b('b'())'c'())))", events("<html><body><p>a<b>b</b>c</p></body></html>"));
 }
 
+TEST(HtmlParser, ABuilderTakesWhatItWantsAndTheRestIsEmpty)
+{
+    struct Names : Builder {
+        void foundTag(xmlNode const* node) override { names.append(" ").append((char const*)node->name); }
+        std::string names;
+    } builder;
+    builder.beginParsing();
+    std::string const html = "<p>a<!--b--><script>c</script><br>";
+    Parser::parseAll(builder, false, html.data(), static_cast<unsigned>(html.size()), nullptr);
+    builder.endParsing();
+    EXPECT_EQ(" html body p script br", builder.names);
+}
+
 TEST(HtmlParser, MissingElementsAreAdded)
 {
     EXPECT_EQ("html(body(p('a'())))", events("a"));
@@ -214,6 +227,19 @@ TEST(HtmlContext, GivesTheRootOrNull)
     ASSERT_TRUE(root);
     EXPECT_STREQ("html", reinterpret_cast<char const*>(root->name));
     EXPECT_FALSE(none.parse("", 0));
+}
+
+TEST(HtmlContext, MoreBytesThanLibxmlCountsGiveNoRoot)
+{
+    HTMLContext context(false);
+    EXPECT_FALSE(context.parse("<p>", 0x80000000u)); // none of them is looked at
+}
+
+TEST(HtmlContext, WithoutADocumentNoFileIsWritten)
+{
+    std::string const name = testing::TempDir() + "velmara_html_none";
+    HTMLContext(false).write(name);
+    EXPECT_FALSE(std::ifstream(name));
 }
 
 /// What stands in a file, which is removed.
@@ -454,6 +480,34 @@ TEST(HtmlParser, TagsThatCannotBeCountedHaveABoundAllTheSame)
     EXPECT_GT(5000, std::stoi(counts.substr(4)));
 }
 
+/// In EBCDIC, so far as needed.
+std::string ebcdic(std::string const& text)
+{
+    std::string all;
+    for (char c : text) {
+        std::string const letters = "abcdefghi";
+        size_t const letter = letters.find(c);
+        if (c >= '0' && c <= '9')
+            all += static_cast<char>(0xf0 + (c - '0'));
+        else if (letter != std::string::npos)
+            all += static_cast<char>(0x81 + letter);
+        else
+            all += c == '<' ? '\x4c' : c == '>' ? '\x6e' : '\x40';
+    }
+    return all;
+}
+
+TEST(HtmlParser, TagsInASetThatTheDocumentAsksForHaveABoundToo)
+{
+    std::string tag = "<b";
+    for (int i = 0; i < 40000; ++i) tag += " a" + std::to_string(i);
+    std::string const html = "<meta http-equiv=Content-Type content='text/html; charset=IBM037'>" + ebcdic(tag + ">d");
+    std::string const counts = attributeCounts(html);
+    EXPECT_EQ("0 0 2 0 ", counts.substr(0, 8));
+    EXPECT_EQ("d", counts.substr(counts.size() - 1));
+    EXPECT_GT(5000, std::stoi(counts.substr(8)));
+}
+
 struct PassesRow {
     char const* rule;
     std::string html;
@@ -491,6 +545,11 @@ INSTANTIATE_TEST_SUITE_P(
                   repeated(document, 300) + "charset=koi8-r" + repeated(document, 300) + "content charset=iso-8859-7" +
                       repeated(document, 300) + "http-equiv content charset=windows-1251" + repeated(document, 300),
                   nullptr},
+        PassesRow{"ADeclarationOfANameWithSigns",
+                  repeated(document, 500) + "http-equiv content charset=iso_8859-5:1988" + repeated(document, 100),
+                  nullptr},
+        PassesRow{"ADeclarationAtTheVeryEnd", repeated(document, 500) + "http-equiv content charset=koi8-r", nullptr},
+        PassesRow{"ARunOfLettersToTheEnd", repeated(document, 20) + std::string(20000, 'x'), nullptr},
         PassesRow{"LongDocuments", repeated(longDocument, 8), nullptr},
         PassesRow{"LongAndShortDocuments", repeated(longDocument + repeated(document, 50), 4), nullptr},
         PassesRow{"AHaltWithinALaterDocument",

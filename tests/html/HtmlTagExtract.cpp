@@ -53,6 +53,28 @@ TEST_F(HtmlTagExtractTest, TheSameBuildWithOtherWordsGivesTheSameTokens)
     EXPECT_EQ(properties.descriptors()[0]->tokens(), properties.descriptors()[1]->tokens());
 }
 
+TEST_F(HtmlTagExtractTest, WhatIsNoElementOrHasNoNameIsLeftOut)
+{
+    HtmlTagExtract extract(&properties, "utf-8");
+    extract.tags(nullptr);
+    extract.tags(BareNode(XML_TEXT_NODE, "text", "x").node());
+    extract.tags(BareNode(XML_ELEMENT_NODE).node());
+    EXPECT_EQ(L"", properties.descriptors()[0]->tokens());
+    BareNode element(XML_ELEMENT_NODE, "b");
+    element.attribute(nullptr, "x");
+    extract.tags(element.node());
+    EXPECT_EQ(numbersOf({"b"}), properties.descriptors()[0]->tokens());
+    element.attribute("class", nullptr);
+    extract.tags(element.node());
+    EXPECT_EQ(numbersOf({"b", "b", "class"}), properties.descriptors()[0]->tokens());
+}
+
+TEST_F(HtmlTagExtractTest, WithoutPropertiesItIsSilent)
+{
+    HtmlTagExtract(nullptr, "utf-8").tags(BareNode(XML_ELEMENT_NODE, "b").node());
+    EXPECT_EQ(numbersOf({"first"}), L"\1"); // "b" got no number
+}
+
 TEST_F(HtmlTagExtractTest, TheFifthIsSilent)
 {
     for (int i = 0; i < 5; ++i) read("<html><body><b>x</b></body></html>");

@@ -89,6 +89,18 @@ INSTANTIATE_TEST_SUITE_P(Meta, Disclaimer,
                                              "<body><meta http-equiv=x content='text/html; charset=utf-8'>", ""}),
                          ruleOf);
 
+TEST(HtmlToTxtDisclaimer, ATextWithoutContentChangesNothing)
+{
+    auto* recorded = new RecordedImpl;
+    MediaOut const output(recorded, false);
+    HtmlToTxtDisclaimer extract(nullptr, output);
+    BareNode const empty(XML_TEXT_NODE, "text"), cell(XML_ELEMENT_NODE, "td"), text(XML_TEXT_NODE, "text", " b");
+    extract.endTag(cell.node());
+    extract.text(empty.node());
+    extract.text(text.node()); // behind the blank of the cell, its own is left out
+    EXPECT_EQ(" b", recorded->text);
+}
+
 TEST(HtmlToTxtDisclaimer, NeedsNoDocument)
 {
     auto* recorded = new RecordedImpl;

@@ -144,6 +144,7 @@ INSTANTIATE_TEST_SUITE_P(
         Row{"AContentIdLeadsNowhere", far + "<img src=cid:logo-of-the-shop>", ""},
         Row{"APercentSignMayHideTheDot", far + "<a href='http://a%2eexample'>", "<http://a%2eexample>"},
         Row{"AUriBehindOtherTextIsSniffed", far + "<a href='go to http://a.example/x now'>", "<http://a.example/x>"},
+        Row{"AUriWithoutAHostIsSniffed", far + "<a href='irc:///x.y/ http://a.example/z'>", "<http://a.example/z>"},
         Row{"AnEmptyValueIsNone", far + "<a href=''><a href>", ""}),
     ruleOf);
 
@@ -199,6 +200,26 @@ TEST(HtmlTxtExtract, TheEndOfTheDocumentEndsTheOutputOnce)
     UriContainer uris;
     EXPECT_EQ(1, Extract("<p>x</html><p>y", nullptr).recorded->ends);
     EXPECT_EQ(1, Extract("<p>x</html><p>y", &uris).recorded->ends);
+}
+
+TEST(HtmlTxtExtract, NodesWithoutContentAndWhatIsNoElementGiveNothing)
+{
+    auto* recorded = new RecordedImpl;
+    MediaOut const output(recorded, false);
+    TextHtmlDoc document(true);
+    UriContainer uris;
+    HtmlTxtExtract extract(&document, 7, output, &uris);
+    extract.text(BareNode(XML_TEXT_NODE, "text").node());
+    extract.endTag(nullptr);
+    extract.endTag(BareNode(XML_COMMENT_NODE, "a").node());
+    BareNode link(XML_COMMENT_NODE, "a");
+    link.attribute("href", "http://a.example/");
+    extract.href(link.node());
+    BareNode empty(XML_ELEMENT_NODE, "a");
+    empty.attribute("href", nullptr);
+    extract.href(empty.node());
+    EXPECT_EQ("", recorded->text);
+    EXPECT_TRUE(uris.hrefs(7).empty());
 }
 
 TEST(HtmlTxtExtract, AHostHiddenInPercentEscapesIsFound)

@@ -124,7 +124,8 @@ INSTANTIATE_TEST_SUITE_P(
                     Row{"ColorIsTextOfABody", "<body color=white>a", "{a}"},
                     Row{"OtherElementsSetNoBackground", "<div bgcolor=black><p bgcolor=black>a", "a"},
                     Row{"OtherElementsSetNoStyle", "<div style='color:white'><p style='color:white'>a", "a"},
-                    Row{"AColourWithoutAValueIsNone", "<body bgcolor>a", "a"}),
+                    Row{"AColourWithoutAValueIsNone", "<body bgcolor>a", "a"},
+                    Row{"AFontColourWithoutAValueIsNone", "<font color>a", "a"}),
     ruleOf);
 
 INSTANTIATE_TEST_SUITE_P(
@@ -211,8 +212,9 @@ INSTANTIATE_TEST_SUITE_P(
                     Row{"SmallAtOnePushesNothing", "<font size=1><small>", "1"},
                     Row{"SpanWithAClassIsThree", "<font size=7><span class=x>", "3"},
                     Row{"SpanWithAStyleAndAClassIsThree", "<span style='font-size:20px' class=x>", "3"},
-                    Row{"FontSize", "<font size=5>", "5"}, Row{"FontRelative", "<font size=+1>", "4"},
-                    Row{"FontStyle", "<font style='font-size:20px'>", "6"},
+                    Row{"FontSize", "<font size=5>", "5"},
+                    Row{"FontSizeWithoutAValue", "<font size=5><font size>", "5"},
+                    Row{"FontRelative", "<font size=+1>", "4"}, Row{"FontStyle", "<font style='font-size:20px'>", "6"},
                     Row{"BodyStyle", "<body style='font-size:22px'>", "7"}, Row{"H1HasNoSize", "<h1></h1>", "3"}),
     ruleOf);
 
