@@ -33,10 +33,7 @@ public:
     {
         if (m_descriptor < 0) fail(errno, __LINE__);
     }
-    ~File()
-    {
-        if (m_descriptor >= 0) ::close(m_descriptor);
-    }
+    ~File() { ::close(m_descriptor); }
 
     bool isDirectory() const
     {
@@ -100,8 +97,9 @@ public:
         position = m_file.clamped(position);
         if (moveWithin(position)) return;
         // Blocks start at multiples of their size, so that short moves back and forth stay within one.
-        m_filePosition = position / _blockSize * _blockSize;
-        m_file.seek(m_filePosition);
+        unsigned long const blockPosition = position / _blockSize * _blockSize;
+        m_file.seek(blockPosition);
+        m_filePosition = blockPosition;
         present(m_block.get(), 0, m_filePosition);
         if (nextBlock()) moveWithin(position);
     }

@@ -251,6 +251,26 @@ TEST_P(PositionedMediaIn, PastTheEndIsTheEnd)
     EXPECT_EQ(3u, in.tell());
     in.setpos(1);
     EXPECT_EQ('b', in.peek());
+    in.setpos(1000); // now that the bytes are at hand
+    EXPECT_TRUE(in.atEnd());
+    EXPECT_EQ(3u, in.tell());
+}
+
+TEST_P(PositionedMediaIn, TheEndOfAWholeBlockIsAPosition)
+{
+    MediaIn in = open(std::string(65536, 'x'));
+    in.setpos(65536);
+    EXPECT_EQ(65536u, in.tell());
+    EXPECT_TRUE(in.atEnd());
+    in.setpos(65535);
+    EXPECT_EQ('x', in.peek());
+}
+
+TEST_P(PositionedMediaIn, WithoutAPlaceToStoreNothingIsRead)
+{
+    MediaIn in = open("abc");
+    EXPECT_EQ(0, in.read(static_cast<uchar_t*>(nullptr), 2));
+    EXPECT_EQ(0u, in.tell());
 }
 
 INSTANTIATE_TEST_SUITE_P(Kinds, PositionedMediaIn, testing::Values(Memory, MemoryOfABuffer, CallersMemory, File));
@@ -336,6 +356,46 @@ TEST(FileMediaIn, PositionsBeyondFourGigabytesAreExact)
     in.readline(line);
     EXPECT_EQ("there\n", _text(line));
     EXPECT_TRUE(in.atEnd());
+}
+
+TEST(FileMediaIn, AFailedReadIsTold)
+{
+    FileMediaIn in("/proc/self/mem"); // at its beginning nothing is mapped
+    try {
+        in.peek();
+        FAIL() << "no exception";
+    } catch (Exception const& e) {
+        EXPECT_EQ("FileMediaIn", e.message());
+        EXPECT_EQ(6, e.code());
+        EXPECT_EQ("/proc/self/mem: Input/output error", e.stringParameter());
+    }
+}
+
+TEST(FileMediaIn, APipeIsReadButNotPositioned)
+{
+    int ends[2];
+    ASSERT_EQ(0, pipe(ends));
+    std::string const path = "/proc/self/fd/" + std::to_string(ends[0]);
+    FileMediaIn in(path);
+    ASSERT_EQ(8, write(ends[1], "abc\ndef\n", 8));
+    Buffer line(100, 0);
+    in.readline(line);
+    EXPECT_EQ("abc\n", _text(line));
+    try {
+        in.setpos(100000);
+        FAIL() << "no exception";
+    } catch (Exception const& e) {
+        EXPECT_EQ(6, e.code());
+        EXPECT_EQ(path + ": Illegal seek", e.stringParameter());
+    }
+    EXPECT_EQ(4u, in.tell());
+    in.readline(line);
+    EXPECT_EQ("def\n", _text(line));
+    ASSERT_EQ(4, write(ends[1], "ghi\n", 4));
+    in.readline(line); // from a block of its own
+    EXPECT_EQ("ghi\n", _text(line));
+    EXPECT_EQ(12u, in.tell());
+    for (int end : ends) close(end);
 }
 
 TEST(MediaOut, EveryOperationOnANullHandleThrowsItsName)
@@ -425,6 +485,13 @@ TEST(FileMediaOut, AFullDiskIsTold)
     }
 }
 
+TEST(FileMediaOut, WhatCannotBeWrittenWhenItGoesIsDropped)
+{
+    auto out = std::make_unique<FileMediaOut>("/dev/full");
+    *out << std::string("x");
+    EXPECT_NO_THROW(out.reset());
+}
+
 /// A decorator with nothing of its own.
 class PassImpl : public MediaOutDecoratorImpl {
 public:
@@ -448,6 +515,26 @@ public:
     void characterSet(std::string const& name) override { seen += "|" + name; }
     std::string seen;
 };
+
+TEST(MediaOutImpl, WithoutAPositionTellIsZeroAndSetposDoesNothing)
+{
+    auto* recording = new RecordingImpl;
+    MediaOut sink(recording, false);
+    sink << std::string("abc");
+    sink.setpos(1);
+    EXPECT_EQ(0u, sink.tell());
+    EXPECT_EQ("abc", recording->seen);
+}
+
+TEST(MediaOutDecorator, IsMadeOfAnImplementation)
+{
+    auto* recording = new RecordingImpl;
+    MediaOut const sink(recording, false);
+    MediaOutDecorator decorator(new PassImpl, false);
+    decorator.attach(sink);
+    decorator << std::string("x");
+    EXPECT_EQ("x", recording->seen);
+}
 
 TEST(MediaOutDecorator, PassesEndAndCharacterSetOn)
 {
