@@ -115,7 +115,7 @@ __attribute__((target("ssse3"))) Base64Letters _decodeBlocks(unsigned char const
         _mm_storeu_si128(reinterpret_cast<__m128i*>(out + written), bytes);
     }
     size_t const groups = (n - read) / 4;
-    if (read == 0 || groups == 0 || !_decodeBlock(in + read + 4 * groups - 16, bytes)) return {read, written};
+    if (read == 0 || !_decodeBlock(in + read + 4 * groups - 16, bytes)) return {read, written};
     unsigned char* const last = out + written + 3 * groups - 12;
     _mm_storel_epi64(reinterpret_cast<__m128i*>(last), bytes);
     int const rest = _mm_cvtsi128_si32(_mm_srli_si128(bytes, 8));

@@ -51,7 +51,6 @@ std::string QuietXml::words() const
 void QuietXml::hear(void* self, xmlErrorPtr error) noexcept
 {
     auto& quiet = *static_cast<QuietXml*>(self);
-    if (!error) return;
     if (_isOutOfMemory(*error)) {
         quiet.m_outOfMemory = true;
         // Other failures come from buffers being filled, which this would take away.

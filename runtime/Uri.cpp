@@ -78,7 +78,7 @@ std::string _fileHost(std::string_view rest)
 /// Of addresses between commas, the domain of the first that has one.
 std::string _domainIn(std::string_view addresses)
 {
-    while (true) {
+    for (;;) {
         size_t const comma = addresses.find(',');
         std::string const address = uriUnescaped(addresses.substr(0, comma));
         size_t const at = address.rfind('@');

@@ -137,8 +137,8 @@ std::string _ofNumbers(std::string name)
     _completeZeros(name);
     in_addr address;
     char text[INET_ADDRSTRLEN];
-    if (!inet_aton(name.c_str(), &address) || !inet_ntop(AF_INET, &address, text, sizeof text)) return std::string();
-    return text;
+    if (!inet_aton(name.c_str(), &address)) return std::string();
+    return inet_ntop(AF_INET, &address, text, sizeof text);
 }
 
 std::string _ofName(std::string_view text)

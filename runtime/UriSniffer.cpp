@@ -144,14 +144,15 @@ bool _isNameByte(unsigned char c)
     return isAlnum(c) || c >= 0x80 || c == '-' || c == '_' || c == '.' || c == '%';
 }
 
-/// "www." begins a URI behind anything but the middle of a word, a path or an address.
+/// Of a place at which a word begins: whether "www." begins a URI there, not in the middle of a name, a path or
+/// an address.
 bool _isWww(std::string_view text, size_t at)
 {
     std::string_view const www = "www.";
     if (!sameNoCase(text.substr(at, www.size()), www)) return false;
     unsigned char const next = _at(text, at + www.size());
     unsigned char const before = at > 0 ? _at(text, at - 1) : 0;
-    return (isAlnum(next) || next >= 0x80 || next == '%') && !isAlnum(before) &&
+    return (isAlnum(next) || next >= 0x80 || next == '%') &&
            (before == 0 || std::string_view("-_.@/\\%&").find(static_cast<char>(before)) == _none);
 }
 
@@ -161,7 +162,7 @@ constexpr size_t _longestBareName = 1024; // escapes and invisible characters in
 bool _couldBeLookedUp(std::string_view host)
 {
     size_t const dot = host.rfind('.');
-    if (dot == _none || dot == 0 || host.front() == '.' || host.find("..") != _none) return false;
+    if (dot == _none || host.front() == '.' || host.find("..") != _none) return false;
     std::string_view const top = host.substr(dot + 1);
     return top.size() >= 2 && isAlpha(static_cast<unsigned char>(top[0])) &&
            std::all_of(top.begin(), top.end(), [](unsigned char c) { return isAlnum(c) || c == '-'; });
@@ -249,8 +250,7 @@ private:
     {
         if (kind == Nothing) return;
         std::string const trimmed(_trimmed(text));
-        size_t const colon = trimmed.find(':');
-        if (kind == Opaque && (colon == std::string::npos || colon + 1 == trimmed.size())) return;
+        if (kind == Opaque && trimmed.find(':') == _none) return; // nothing stood behind it
         Uri const uri(kind == WithoutScheme ? "http://" + trimmed : trimmed);
         if (kind == Opaque || !uri.hostname().isNull()) m_out.add(uri, true);
     }
