@@ -163,6 +163,24 @@ TEST(Buffer, ForeignBytesMoveToTheFrontToMakeRoom)
     EXPECT_STREQ("ef1234", foreign);
 }
 
+TEST(Buffer, ForeignBytesMoveThoughTheyOverlap)
+{
+    char foreign[] = "abcdef";
+    Buffer buffer(foreign, 6, false);
+    buffer.shiftLeft(1);
+    _append(buffer, "xy");
+    EXPECT_EQ("bcdefx", _text(buffer));
+    EXPECT_STREQ("bcdefx", foreign);
+}
+
+TEST(Buffer, AssignedToItselfItStaysAsItIs)
+{
+    Buffer buffer = _buffer("abc");
+    Buffer const& same = buffer;
+    buffer = same;
+    EXPECT_EQ("abc", _text(buffer));
+}
+
 TEST(Buffer, AtPastTheLengthReadsZeroAndWritesNothing)
 {
     Buffer buffer(10, 0);
@@ -204,6 +222,12 @@ TEST(Buffer, FillCoversTheCapacityAndKeepsTheLength)
     EXPECT_EQ("zz", _text(buffer));
     EXPECT_EQ(8u, buffer.size());
     for (unsigned int i = 0; i < buffer.size(); ++i) EXPECT_EQ('z', buffer.data()[i]);
+    Buffer whole = _buffer("abcd");
+    whole.fill('y');
+    EXPECT_EQ("yyyy", _text(whole));
+    Buffer none;
+    none.fill('x');
+    EXPECT_EQ(0u, none.size());
 }
 
 TEST(Buffer, ShiftLeftDropsFromTheFrontAndKeepsTheCapacity)
@@ -275,6 +299,7 @@ TEST(Buffer, DecodesBase64)
         {"QQ=", "", true},
         {"QQ=A", "A", false}, // the length is a multiple of 4, and decoding has ended
         {"QQ=*", "", true},
+        {"QQ= =", "A", false}, // white space within the padding is skipped as well
         {"====", "", false},
         {"Q===", "", false},
     };
@@ -301,6 +326,18 @@ TEST(Buffer, DecodesBase64OntoItselfAndWithinLimits)
     limited.maxSize(4);
     _buffer("QUJDREVG").decodeBase64(limited);
     EXPECT_EQ("ABCD", _text(limited));
+    limited.maxSize(10);
+    EXPECT_THROW(_buffer("QUJD*").decodeBase64(limited), BufferException);
+    EXPECT_EQ("ABC", _text(limited)); // what was decoded so far
+}
+
+TEST(Buffer, DecodesBase64IntoForeignBytesAsFarAsTheyReach)
+{
+    char foreign[] = "abcd";
+    Buffer out(foreign, 4, false);
+    _buffer("QUJDREVG").decodeBase64(out);
+    EXPECT_EQ("ABCD", _text(out));
+    EXPECT_STREQ("ABCD", foreign);
 }
 
 TEST(Buffer, EncodesBase64OnOneLine)

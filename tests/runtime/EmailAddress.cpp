@@ -65,6 +65,8 @@ INSTANTIATE_TEST_SUITE_P(
         Row{"EncodedWordStays", "=?utf-8?B?QUJD?= <j@a.example>", "j@a.example|a.example|=?utf-8?B?QUJD?="},
         Row{"CommaInAnEncodedWord", "=?utf-8?Q?Doe,_J.?= <j@a.example>", "j@a.example|a.example|=?utf-8?Q?Doe,_J.?="},
         Row{"EncodedWordInBracketsIsAWord", "<=?utf-8?Q?1?=@a.example>", "=?utf-8?Q?1?=@a.example|a.example|"},
+        Row{"EncodedWordBehindAWord", "Jane =?utf-8?Q?Doe,?= <j@a.example>",
+            "j@a.example|a.example|Jane =?utf-8?Q?Doe,?="},
         Row{"CommentAsName", "j@a.example (Jane Doe)", "j@a.example|a.example|Jane Doe"},
         Row{"FirstOfTheCommentsAsName", "j@a.example (Jane) (work)", "j@a.example|a.example|Jane"},
         Row{"CommentBehindBracketsAsName", "<j@a.example> (Jane)", "j@a.example|a.example|Jane"},
@@ -79,6 +81,8 @@ INSTANTIATE_TEST_SUITE_P(
         Row{"FoldedQuotedLocalPart", "\"j\r\n doe\"@a.example", "\"j doe\"@a.example|a.example|"},
         Row{"DomainLiteral", "j@[192.0.2.1]", "j@[192.0.2.1]|[192.0.2.1]|"},
         Row{"DomainLiteralOfSix", "Jane <j@[IPv6:2001:db8::1]>", "j@[IPv6:2001:db8::1]|[IPv6:2001:db8::1]|Jane"},
+        Row{"EscapedLineEndInALocalPart", "\"j\\\r\n doe\"@a.example", "\"j doe\"@a.example|a.example|"},
+        Row{"ControlsInALiteralGo", "j@[192.0.2.1\x7f]", "j@[192.0.2.1]|[192.0.2.1]|"},
         Row{"WhiteSpaceInALiteralGoes", "j@[ 192.0.2.1\r\n ]", "j@[192.0.2.1]|[192.0.2.1]|"},
         Row{"SourceRouteIsDropped", "Mary <@b.example,@c.example:m@a.example>", "m@a.example|a.example|Mary"},
         Row{"WhiteSpaceAroundDots", "<jdoe@test   . example>", "jdoe@test.example|test.example|"},
@@ -132,6 +136,8 @@ INSTANTIATE_TEST_SUITE_P(
         Row{"BareWordWithComment", "root (Jane)", "root||Jane"}, Row{"QuotedWord", "\"Jane\"", "||"},
         Row{"QuotedWordInBrackets", "<\"Jane\">", "\"Jane\"||"}, Row{"EncodedWordAlone", "=?utf-8?Q?Jane?=", "||"},
         Row{"EncodedWordIsNoLocalPart", "=?utf-8?Q?Doe,?=@a.example", "@a.example|a.example|=?utf-8?Q?Doe,?="},
+        Row{"EncodedWordNeedsACharset", "=??Q?a,b?= <j@a.example>", "=??Q?a||"},
+        Row{"EncodedWordNeedsAnEncodingOfOneLetter", "=?x?Qx?a,b?= <j@a.example>", "=?x?Qx?a||"},
         Row{"NoDomain", "j@", "j@||"}, Row{"NoLocalPart", "@a.example", "@a.example|a.example|"},
         Row{"TwoAts", "<j@b.example@a.example>", "j@b.example@a.example|a.example|"},
         Row{"DotsInARow", "j..d@a.example", "j..d@a.example|a.example|"},
@@ -141,6 +147,8 @@ INSTANTIATE_TEST_SUITE_P(
         Row{"WordsBehindTheAddress", "j@a.example Jane", "j@a.example|a.example|"},
         Row{"WordsBehindTheBrackets", "<j@a.example> Jane", "j@a.example|a.example|"},
         Row{"AddressAsName", "j@a.example <k@b.example>", "k@b.example|b.example|j@a.example"},
+        Row{"FirstOfSomeAddresses", "j@a.example k@b.example c", "j@a.example|a.example|"},
+        Row{"AddressAndWordAsName", "j@a.example Jane <k@b.example>", "k@b.example|b.example|j@a.example Jane"},
         Row{"BracketedName", "[list] Jane <j@a.example>", "j@a.example|a.example|[list] Jane"},
         Row{"UnclosedBrackets", "Jane <j@a.example", "j@a.example|a.example|Jane"},
         Row{"UnopenedBrackets", "j@a.example>", "j@a.example|a.example|"},
@@ -295,6 +303,8 @@ INSTANTIATE_TEST_SUITE_P(
 TEST(EmailAddress, ALiteralAsSeparatorsIsNoFlag)
 {
     EXPECT_EQ(2u, EmailAddress::rfc5322ParseList("<1@a.example> <2@b.example>", " ").size());
+    EXPECT_EQ(1u,
+              EmailAddress::rfc5322ParseList("<1@a.example> <2@b.example>", static_cast<char const*>(nullptr)).size());
 }
 
 TEST(EmailAddress, IsNullWithoutAnAddress)
@@ -321,9 +331,13 @@ TEST(EmailAddress, IsPrintedWithQuotesWhereTheNameNeedsThem)
     EXPECT_EQ("\"a \\\"b\\\" \\\\\" <j@a.example>", printed("a \"b\" \\"));
     EXPECT_EQ("\"Jane  Doe \" <j@a.example>", printed("Jane  Doe "));
     EXPECT_EQ("=?utf-8?Q?Doe,_J?= <j@a.example>", printed("=?utf-8?Q?Doe,_J?="));
+    EXPECT_EQ("\"=?utf-8?Q?Doe\t?=\" <j@a.example>", printed("=?utf-8?Q?Doe\t?="));
     EXPECT_EQ("J\xc3\xa4n <j@a.example>", printed("J\xc3\xa4n"));
     EXPECT_EQ("\"j\"@a.example", EmailAddress("\"j\"@a.example").asString());
     EXPECT_EQ("<1,2@a.example>", EmailAddress("1,2@a.example").asString());
+    EXPECT_EQ("j@[192.0.2.1]", EmailAddress("j@[192.0.2.1]").asString());
+    EXPECT_EQ("<j@[192.0.2.1]x>", EmailAddress("j@[192.0.2.1]x").asString());
+    EXPECT_EQ("<j@[192.0.2.1;>", EmailAddress("j@[192.0.2.1;").asString());
 }
 
 TEST(EmailAddress, ComparesAddressThenNameToTheByte)

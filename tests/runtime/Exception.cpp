@@ -82,6 +82,7 @@ TEST(Exception, AsStringIsOneLineWithEachCause)
     outer.intParameter(3);
     outer.cause(inner);
     EXPECT_EQ("HeaderContainer Parse (code 5) [3] at HeaderImpl:12, caused by read (code 6): a  b", outer.asString());
+    EXPECT_EQ("read (code 6) at :7", Exception("read", 6, nullptr, 7).asString());
 }
 
 struct Row {

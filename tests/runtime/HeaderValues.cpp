@@ -93,6 +93,10 @@ TEST(HeaderMessageId, TheHostCannotBreakTheValue)
     };
     EXPECT_EQ("@a.exampleX-Evil:1>", hostIn("a.example>\r\nX-Evil: 1"));
     EXPECT_EQ("@[192.0.2.1]>", hostIn("[192.0.2.1]"));
+    EXPECT_EQ("@my_host.b\xc3\xbc"
+              "cher.example>",
+              hostIn("my_host.b\xc3\xbc"
+                     "cher.example"));
     EXPECT_EQ("@localhost>", hostIn(""));
     EXPECT_EQ("@localhost>", hostIn("<@ >"));
 }

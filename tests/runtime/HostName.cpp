@@ -41,6 +41,7 @@ TEST(HostName, FlagsDecideWhatIsAccepted)
              Row{"a@b.example", AnyThing},
              Row{"a b", AnyThing},
              Row{"a.example\n", AnyThing},
+             Row{"a.example\x7f", AnyThing},
              Row{std::string("a\0b", 3), AnyThing},
              Row{"", No},
          }) {

@@ -118,6 +118,14 @@ TEST(IPAddressMask, ANullMaskDoesNotEvenMatchANullAddress)
     EXPECT_FALSE(IPAddressMask("0.0.0.0/0").matches(IPAddress()));
 }
 
+TEST(IPAddressMask, EqualMeansTheSameNetworkOfTheSameWidth)
+{
+    IPAddressMask const mask("10.0.0.0/8");
+    EXPECT_TRUE(mask == IPAddressMask("10.1.2.3/255.0.0.0"));
+    EXPECT_TRUE(mask != IPAddressMask("11.0.0.0/8"));
+    EXPECT_TRUE(mask != IPAddressMask("10.0.0.0/9"));
+}
+
 TEST(IPAddressMask, SortsByAddressThenWiderNetworksFirst)
 {
     std::vector<IPAddressMask> const sorted{IPAddressMask(), IPAddressMask("10.0.0.0/8"), IPAddressMask("10.0.0.0/24"),

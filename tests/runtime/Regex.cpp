@@ -42,6 +42,8 @@ TEST(Regex, WithoutCaptureNoGroupIsFilled)
     Groups groups{"left over"};
     EXPECT_TRUE(Regex::Expression("(a)", 0, false)("a", groups));
     EXPECT_EQ(Groups(), groups);
+    EXPECT_TRUE(Regex::Expression("(a)", 0, false)("a\n", groups));
+    EXPECT_EQ(Groups(), groups);
 }
 
 TEST(Regex, CaseCountsUnlessAFlagSaysOtherwise)
@@ -65,6 +67,7 @@ TEST(Regex, OfAMatchAtEitherEndTheLeftmostCounts)
 {
     EXPECT_EQ(Groups{"b"}, search("b$|\n$", "ab\n"));
     EXPECT_EQ(Groups{"\n"}, search("x$|\n$", "ab\n"));
+    EXPECT_EQ(Groups{"b\n"}, search("b\n?", "ab\n")); // of two at one place that of the whole text
 }
 
 TEST(Regex, TheDotIsAnyByteButLineFeed)

@@ -24,6 +24,14 @@ TEST(StringOperations, ComparesTheFirstBytesLikeStrncasecmp)
     EXPECT_TRUE(stringCompareNoCase(std::string("ab\0c", 4), std::string("ab\0d", 4), 4));
 }
 
+TEST(StringOperations, ANullPointerIsAnEmptyText)
+{
+    char const* const none = nullptr;
+    EXPECT_TRUE(stringCompareNoCase(none, "", 0));
+    EXPECT_TRUE(stringCompareNoCase(none, std::string(), 3));
+    EXPECT_FALSE(stringCompareNoCase(none, "a", 1));
+}
+
 TEST(StringOperations, ComparingTheFirstBytesLooksAtNoMore)
 {
     // On the heap, where a sanitizer sees a step behind the end.
@@ -106,6 +114,7 @@ TEST(StringOperations, MinTakesTheMixesOfWidths)
     EXPECT_EQ(1u, min(1u, 2u));
     EXPECT_EQ(2ul, min(1ul << 40, 2u));
     EXPECT_EQ(1ul << 40, min(1ul << 40, 1ul << 41));
+    EXPECT_EQ(1ul << 40, min(1ul << 41, 1ul << 40));
 }
 
 } // namespace

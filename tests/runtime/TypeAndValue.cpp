@@ -27,6 +27,7 @@ TEST(TypeAndValue, ComparesBothStringsToTheByte)
     EXPECT_FALSE(TypeAndValue("a", "b") == TypeAndValue("A", "b"));
     EXPECT_FALSE(TypeAndValue("a", "b") == TypeAndValue("a", "c"));
     EXPECT_FALSE(TypeAndValue("a", "b") == TypeAndValue());
+    EXPECT_FALSE(TypeAndValue() == TypeAndValue("a", "b"));
     EXPECT_TRUE(TypeAndValue() == TypeAndValue());
 }
 
