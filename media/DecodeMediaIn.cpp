@@ -52,10 +52,9 @@ unsigned long DecodeMediaIn::tell()
 void DecodeMediaIn::setpos(unsigned long)
 {}
 
-/// Adds one line of the source, decoded, to what is pending; false if there is none.
+/// Adds one line of the source, which has to be there, decoded to what is pending; false if there is no more.
 bool DecodeMediaIn::decodeLine()
 {
-    if (m_source.isNull()) return false;
     m_source.readline(m_line);
     if (m_line.isEmpty()) return false;
     m_decoder.write(m_line);
