@@ -45,6 +45,8 @@ INSTANTIATE_TEST_SUITE_P(
         Row{"TextThatTouchesAWordStays", "a=?utf-8?B?QUJD?=b", "aABCb"},
         Row{"WhiteSpaceBetweenWordsGoes", "=?utf-8?B?QUJD?= \r\n\t=?utf-8?Q?D?=", "ABCD"},
         Row{"WordsThatTouchAreJoined", "=?utf-8?B?QUJD?==?utf-8?B?RA==?=", "ABCD"},
+        Row{"WordsOfEveryMarkAndAQuestion", "=?utf-8?B?QQ==?= =?utf-8?b?Qg==?= =?utf-8?Q?C?= =?utf-8?q?D?= E?",
+            "ABCD E?"},
         Row{"ALetterBetweenWordsKeepsTheGap", "=?utf-8?B?QUJD?= x =?utf-8?B?RA==?=", "ABC x D"},
         Row{"WhiteSpaceAheadOfTheFirstWordStays", " =?utf-8?B?QUJD?=", " ABC"},
         Row{"WhiteSpaceBehindTheLastWordStays", "=?utf-8?B?QUJD?= ", "ABC "},
@@ -148,7 +150,7 @@ TEST(IsRfc2047Encoded, LooksForTheBeginningOfAWord)
         EXPECT_TRUE(vmara_is_Rfc2047_Encoded(value)) << value;
     for (std::string const& value :
          {""s, "abc"s, "=?a?Q?x?="s, "=?" + std::string(21, 'x') + "?b?", "=?utf-8?X?"s, "=?utf-8?B"s, "=?utf 8?B?"s,
-          "=?utf-8*de?B?"s, "=?\xC3\xA9?B?"s, "=?utf-8?BB?"s, "?utf-8?B?"s})
+          "=?utf-8*de?B?"s, "=?\xC3\xA9?B?"s, "=?utf-8?BB?"s, "?utf-8?B?"s, "=?utf-8"s})
         EXPECT_FALSE(vmara_is_Rfc2047_Encoded(value)) << value;
 }
 

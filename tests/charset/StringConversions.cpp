@@ -205,6 +205,11 @@ TEST(DecodedHtml, IsCutAheadOfWhatWouldBeHalved)
     }
 }
 
+TEST(DecodedHtml, AReferenceFarAheadOfTheCutDoesNotMatter)
+{
+    EXPECT_EQ("&amp;23456", decodedHtml(EmailAddress("a@b", "&23456789"), 11).first);
+}
+
 TEST(DecodedHtml, TextThatIsNoUtf8IsCutAnywhere)
 {
     EXPECT_EQ(std::string(7, '\x80'), decodedHtml(EmailAddress("a@b", std::string(20, '\x80')), 8).first);

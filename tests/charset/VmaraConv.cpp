@@ -1,6 +1,8 @@
 #include <velmara/Velmara.h>
 
+#include <memory>
 #include <random>
+#include <thread>
 
 #include <gtest/gtest.h>
 
@@ -111,6 +113,8 @@ INSTANTIATE_TEST_SUITE_P(
                         "\uFFFDA", 3, "A"},
                     Row{"Utf8OverlongFormIsASequenceForEachByte", "UTF-8", "\xe0\x80\xafz", "\uFFFD\uFFFD\uFFFDz", 3,
                         "z"},
+                    Row{"Utf8OverlongFormOfFourIsASequenceForEachByte", "UTF-8", "\xf0\x8f\xbf\xbfz",
+                        "\uFFFD\uFFFD\uFFFD\uFFFDz", 4, "z"},
                     Row{"Utf8SurrogateIsASequenceForEachByte", "UTF-8", "\xed\xa0\x80z", "\uFFFD\uFFFD\uFFFDz", 3, "z"},
                     Row{"Utf8AboveTheLastCodePoint", "UTF-8", "\xf4\x90\x80\x80z", "\uFFFD\uFFFD\uFFFD\uFFFDz", 4, "z"},
                     Row{"Utf8CutAtTheEnd", "UTF-8", "ab\xe4\xb8", "ab\uFFFD", 2, "ab"},
@@ -318,6 +322,21 @@ TEST(VmaraConv, TheLastHandleGivesOutWhatWaits)
         converter.substitute_unknown(true);
         write(converter, "\xc3");
     }
+    EXPECT_EQ("\xff\xfd", out.take());
+    EXPECT_EQ(1, out.ends());
+}
+
+TEST(VmaraConv, AConverterMayOutliveTheOthersOfItsThread)
+{
+    Collected out;
+    std::thread([&] {
+        // Made first, it goes last: what is kept of closed converters for the thread has gone by then.
+        static thread_local std::unique_ptr<VmaraConv> late;
+        late = std::make_unique<VmaraConv>(out.media(), "UTF-8", "UTF-16BE", _unforced);
+        late->substitute_unknown(true);
+        write(*late, "\xc3");
+        EXPECT_EQ("\xe4", converted({"\xc3\xa4"}, "UTF-8", "ISO-8859-1", false).bytes);
+    }).join();
     EXPECT_EQ("\xff\xfd", out.take());
     EXPECT_EQ(1, out.ends());
 }

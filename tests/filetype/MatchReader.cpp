@@ -100,6 +100,7 @@ INSTANTIATE_TEST_SUITE_P(
         Row{"OtherLowerCaseLettersCountOn", R"(<match type="big16" value="0x0g" offset="0"/>)", "1 0:0 10"},
         Row{"OtherUpperCaseLettersCountOn", R"(<match type="big16" value="0x0G" offset="0"/>)", "1 0:0 10"},
         Row{"OtherCharactersCountLikeUpperCase", R"(<match type="big16" value="0x1/" offset="0"/>)", "1 0:0 08"},
+        Row{"SoDoThoseBehindTheLetters", R"(<match type="big16" value="0x1{" offset="0"/>)", "1 0:0 54"},
         Row{"HalvesAreAddedAndKeptTo8Bits", R"(<match type="big16" value="0xg1" offset="0"/>)", "1 0:0 01"},
         Row{"WhatCountsAsZeroIsTheLetterXToo", R"(<match type="big16" value="0xg0" offset="0"/>)", "1 0:0 58"},
         Row{"APrefixAloneIsNoByte", R"(<match type="big16" value="0x" offset="0"/>)", "1 0:0 "},

@@ -533,6 +533,10 @@ TEST(HasherImpl, OwnKindsCanStandBehindAHandle)
     hasher.process("abcdef");
     EXPECT_TRUE(hasher.isValid());
     EXPECT_EQ("900150983cd24fb0d6963f7d28e17f72", hasher.digestAsHexString()) << "MD5 of abc";
+    Hasher none(new Whole, false);
+    none.process("");
+    EXPECT_TRUE(none.isValid());
+    EXPECT_EQ("d41d8cd98f00b204e9800998ecf8427e", none.digestAsHexString()) << "MD5 of nothing";
     EXPECT_EQ(Hasher::DataNone, hasher.dataType());
 }
 

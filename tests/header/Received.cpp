@@ -102,6 +102,7 @@ INSTANTIATE_TEST_SUITE_P(
         Host{"AddressOfTheCommentBeatsTheName", "from [192.0.2.1] (b [198.51.100.7]) by c", "192.0.2.1", "b",
              "198.51.100.7"},
         Host{"BracketAndName", "from [a.example (b) by c", "a.example", "", ""},
+        Host{"ABracketAloneIsNoName", "from [ (b) by c", "", "", ""},
         Host{"AddressInAComment", "from a.example (192.0.2.1) by c", "a.example", "", "192.0.2.1"},
         Host{"AddressInTheLastComment", "from a.example (helo) (192.0.2.1) by c", "a.example", "", "192.0.2.1"},
         Host{"AddressInTheMiddleComment", "from a.example (helo) (192.0.2.1) (x) by c", "a.example", "", ""},

@@ -123,6 +123,24 @@ TEST(CodecBinHex40, TheClosingColonDeliversWithoutAnEnd)
     EXPECT_EQ("", through<CodecBinHex40>({":" + _text(_header(3) + "Cat")}));
 }
 
+TEST(CodecBinHex40, PlainBytesAreTakenLikeABuffer)
+{
+    Collected out;
+    CodecBinHex40 codec(out.media());
+    string const text = _file(3, "Cat");
+    codec.write(reinterpret_cast<unsigned char const*>(text.data()), static_cast<unsigned>(text.size()));
+    EXPECT_EQ("Cat", out.take());
+}
+
+TEST(CodecBinHex40, AnEndBehindTheHeaderAloneWritesNothing)
+{
+    Collected out;
+    CodecBinHex40 codec(out.media());
+    codec.write(bytes(":" + _text(_header(3))));
+    codec.end();
+    EXPECT_EQ(0, out.writes());
+}
+
 TEST(CodecBinHex40, TheResultDoesNotDependOnTheCuts)
 {
     for (Pieces const& pieces : everyCut(_catFile)) EXPECT_EQ("Cat", through<CodecBinHex40>(pieces)) << pieces.front();

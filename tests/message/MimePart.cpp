@@ -182,6 +182,19 @@ TEST(Attributes, TheTypeNumbersAreStoredByOthers)
     EXPECT_EQ(17, MPartAttribute::TypeTD);
 }
 
+TEST(MimePart, MayBeOfACallersOwnKind)
+{
+    struct Own : MimePart {
+        bool visit(MimePartVisitor*) override { return false; }
+        void write(FileMediaOut&) override {}
+    } part;
+    EXPECT_TRUE(part.source().isNull());
+    EXPECT_TRUE(part.headers().headers().empty());
+    EXPECT_EQ(&part.headers(), &static_cast<Own const&>(part).headers());
+    EXPECT_EQ(0u, part.sourcePosition());
+    EXPECT_EQ(0xFFFFFFFFu, part.blen());
+}
+
 // Bodies.
 
 TEST(Bodies, OfAContainerIsItsHeaderBlock)
@@ -507,6 +520,21 @@ TEST(WritingOut, PartsWithoutASourceWriteNothing)
          {static_cast<MimePart*>(&preamble), static_cast<MimePart*>(&epilogue), static_cast<MimePart*>(&leaf),
           static_cast<MimePart*>(&skipped), static_cast<MimePart*>(&message)})
         EXPECT_EQ("", written(*part));
+}
+
+TEST(WritingOut, OfAMultipartWithoutATypeHasADelimiterWithoutABoundary)
+{
+    MediaIn none;
+    MimeRfc822MPart parts(HeaderContainer(), nullptr, none);
+    EXPECT_EQ("\n----\n", written(parts));
+}
+
+TEST(WritingOut, OnlyTheFirstEpilogueCloses)
+{
+    MediaIn none;
+    MimeRfc822MPart parts(HeaderContainer(), nullptr, none);
+    for (std::string const text : {"x", "y"}) parts.parts().emplace_back(new MimeEpilogue{BufferMediaIn(text)}, false);
+    EXPECT_EQ("----\nx--\ny", written(parts));
 }
 
 TEST(WritingOut, OfHeadersReadElsewhereHasTheBodyOnly)

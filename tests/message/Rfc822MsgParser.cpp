@@ -197,6 +197,23 @@ TEST(Rfc822MsgParser, AClosingDelimiterThatEndsALeafsHeadersClosesWhatIsOpenByTh
     EXPECT_EQ("multipart(preamble multipart(preamble leaf epilogue))", shape(mail));
 }
 
+TEST(Digest, TheCheckGivesAnEntityWithoutATypeTheDefault)
+{
+    BufferMediaIn in(std::string("Content-Type: multipart/digest; boundary=b\n\n--b\n"));
+    Rfc822MsgParser parser(in, 100);
+    HeaderContainer outside, untyped, typed;
+    typed.add(Header("Content-Type", "text/plain"), false);
+    parser.sanityCheck(outside);
+    Ref<MimePart> const digest(parser.createRfc822Msg(), false);
+    parser.sanityCheck(untyped);
+    parser.sanityCheck(typed);
+    EXPECT_TRUE(outside.headers().empty()); // no container is open yet
+    ASSERT_EQ(1u, untyped.headers().size());
+    EXPECT_EQ("Content-Type: message/rfc822", untyped.find("Content-Type").value());
+    ASSERT_EQ(1u, typed.headers().size());
+    EXPECT_EQ("text/plain", typed.find("Content-Type").value());
+}
+
 TEST(Rfc822MsgParser, ADigestsPartWithoutATypeShowsTheAddedHeader)
 {
     Mail mail("Content-Type: multipart/digest; boundary=b\n\n--b\nA: 1\n\none\n--b--\n");

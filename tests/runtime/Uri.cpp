@@ -251,7 +251,9 @@ TEST(UriContainer, KeepsUrisInOrderUnderTheCurrentIdentifier)
     UriContainer container;
     container.add(Uri("b:1"), false);
     container.add(Uri("a:1"), false);
+    EXPECT_EQ(0u, container.currentId());
     container.currentId(7);
+    EXPECT_EQ(7u, container.currentId());
     container.add(Uri("c:1"), false);
     EXPECT_EQ((Texts{"b:1", "a:1"}), textsOf(container, 0));
     EXPECT_EQ(Texts{"c:1"}, textsOf(container, 7));

@@ -30,6 +30,16 @@ TEST(RefImpl, ACopyHasACountOfItsOwn)
     EXPECT_EQ(1, copy.count);
 }
 
+TEST(RefImpl, AnAssignmentLeavesBothCountsAlone)
+{
+    Counted object, other;
+    object.count = 7;
+    other.count = 3;
+    other = object;
+    EXPECT_EQ(7, object.count);
+    EXPECT_EQ(3, other.count);
+}
+
 struct First : virtual RefImpl {};
 struct Second : virtual RefImpl {};
 struct Both : First, Second {};

@@ -250,6 +250,13 @@ TEST_F(ConfigTest, TheTableOfTagsHoldsTenThousand)
     EXPECT_EQ(10000u, config.getHtmlTagIdx("t10000"));
 }
 
+TEST_F(ConfigTest, ALanguageThatIsNoneHasNoWords)
+{
+    files.writeWords("e2i.idx", {L"one"});
+    config.readDict(files.dir());
+    EXPECT_TRUE(config.dictionary(static_cast<TD::langID>(99)).words.empty());
+}
+
 TEST_F(ConfigTest, NamesTheFilesThatItReads)
 {
     std::vector<std::string> const names = Config::fileNames();

@@ -139,6 +139,16 @@ TEST_F(TDTest, Utf8CyrillicUsesItsOwnListAndTheWordsMode)
     EXPECT_EQ((std::wstring{2, 3, 4}), tokens(text, "koi8-r"));
 }
 
+TEST_F(TDTest, ArabicAndHebrewAreCutAtBlanks)
+{
+    for (auto const& [file, charset] :
+         {std::pair("Babylon_Hebrew_English.idx", "windows-1255"), std::pair("ara-eng.index", "windows-1256")}) {
+        files.writeWords(file, {L"abcd", L"efgh"});
+        config.readDict(files.dir());
+        EXPECT_EQ((std::wstring{2, 3}), tokens("abcd xabcd efgh", charset)) << charset;
+    }
+}
+
 TEST_F(TDTest, ALanguageWithoutBlanksIsCutByRunningMatch)
 {
     // 项目 2, 会议 3, 会议通 4, 明天 5, 下午 6

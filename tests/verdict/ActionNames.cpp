@@ -9,7 +9,9 @@
 namespace Velmara {
 namespace {
 
-std::vector<std::pair<int, std::string>> const _rows = {
+using Row = std::pair<int, std::string>;
+
+std::vector<Row> const _rows = {
     {0, "Accept"},
     {1, "Accept"},
     {4, "Reject"},
@@ -86,6 +88,12 @@ TEST(ActionNames, CheckIgnoresCaseAndCanLookInsideNames)
     EXPECT_TRUE(names.checkTypeByString("REPACK", true));
     EXPECT_FALSE(names.checkTypeByString("x-", true));
     EXPECT_FALSE(names.checkTypeByString(nullptr, true));
+}
+
+TEST(ActionNames, AllRowsAreGivenInTheOrderOfTheTable)
+{
+    EXPECT_EQ(_rows,
+              std::vector<Row>(ActionNames::instance().actions().begin(), ActionNames::instance().actions().end()));
 }
 
 TEST(ActionNames, StringsForCEndInZeroAndNull)

@@ -50,6 +50,13 @@ TEST(SmtpClient, AnyOtherNameIsTakenAsItIs)
     EXPECT_EQ("no host_name!", SmtpClient("no host_name!", Socket("192.0.2.1").get(), false).hostname().asString());
 }
 
+TEST(SmtpClient, WithoutANameTheHostIsNull)
+{
+    SmtpClient const client("", Socket("192.0.2.1").get(), false);
+    EXPECT_TRUE(client.hostname().isNull());
+    EXPECT_EQ("192.0.2.1", client.ipAddress().asString(true));
+}
+
 TEST(SmtpClient, TheFlagFoldsAMappedAddress)
 {
     EXPECT_EQ("192.0.2.9", SmtpClient("a", Socket("::ffff:192.0.2.9").get(), true).ipAddress().asString(true));
