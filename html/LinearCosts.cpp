@@ -29,11 +29,7 @@ struct Attached {
     bool namesAreLimited = false;
     std::vector<Dictionary> full;
 
-    bool hasRoot = false;
-    xmlNode* ahead = nullptr; // the first comment or instruction ahead of the root, which stays in the tree
-    xmlNode* kept = nullptr;  // those behind it, in their order; their parent is the document
-    xmlNode* lastKept = nullptr;
-
+    xmlDtd noDtd{}; // stands in the document for the DTD that it does not have
     bool commentsPointBack = false;
 };
 
@@ -58,32 +54,25 @@ void _renewNames(xmlParserCtxt& parser) noexcept
     parser.dict = fresh.release();
 }
 
-/// libxml2 looks at the first node of a document to see where a further root belongs, so that one stays.
-void _keepAhead(Attached& attached, xmlNode* node)
+// Of a document without a DTD. Where an element goes, and whether a DTD is read, depends on the true first node.
+
+void _showNoDtd(Attached& attached, xmlDoc& document)
 {
-    if (!attached.ahead) {
-        attached.ahead = node;
-        return;
-    }
-    xmlNode* const document = node->parent;
-    xmlUnlinkNode(node);
-    node->parent = document;
-    node->prev = attached.lastKept;
-    (attached.kept ? attached.lastKept->next : attached.kept) = node;
-    attached.lastKept = node;
+    if (document.children && document.children->type == XML_DTD_NODE) return;
+    auto* const node = reinterpret_cast<xmlNode*>(&attached.noDtd);
+    node->type = XML_DTD_NODE;
+    node->parent = reinterpret_cast<xmlNode*>(&document);
+    node->next = document.children;
+    (node->next ? node->next->prev : document.last) = node;
+    document.children = node;
 }
 
-/// Looks at a comment or an instruction that has just come into the tree.
-void _added(xmlParserCtxt& parser)
+void _hideNoDtd(Attached& attached, xmlDoc& document)
 {
-    xmlNode* const parent = parser.node ? parser.node : reinterpret_cast<xmlNode*>(parser.myDoc);
-    xmlNode* const node = parent ? parent->last : nullptr;
-    if (!node || (node->type != XML_COMMENT_NODE && node->type != XML_PI_NODE)) return; // there was no memory for it
-    Attached& attached = _attachedTo(parser);
-    if (!parser.node && !attached.hasRoot) return _keepAhead(attached, node);
-    if (node->type != XML_COMMENT_NODE || !node->prev || node->prev->type != XML_COMMENT_NODE) return;
-    node->prev = node->prev->prev;
-    attached.commentsPointBack = true;
+    auto* const node = reinterpret_cast<xmlNode*>(&attached.noDtd);
+    if (document.children != node) return;
+    document.children = node->next;
+    (node->next ? node->next->prev : document.last) = nullptr;
 }
 
 // The events, called by C code with the parser as their context.
@@ -93,10 +82,42 @@ xmlParserCtxt& _parser(void* context)
     return *static_cast<xmlParserCtxt*>(context);
 }
 
+/// While it lives, the document begins with its true first node.
+class TrueBeginning {
+public:
+    explicit TrueBeginning(void* context) : m_parser(_parser(context))
+    {
+        if (m_parser.myDoc) _hideNoDtd(_attachedTo(m_parser), *m_parser.myDoc);
+    }
+    TrueBeginning(TrueBeginning const&) = delete;
+    TrueBeginning& operator=(TrueBeginning const&) = delete;
+    ~TrueBeginning()
+    {
+        if (m_parser.myDoc) _showNoDtd(_attachedTo(m_parser), *m_parser.myDoc);
+    }
+
+private:
+    xmlParserCtxt& m_parser;
+};
+
+void _startDocument(void* context)
+{
+    TrueBeginning const beginning(context);
+    xmlSAX2StartDocument(context);
+}
+
+void _internalSubset(void* context, xmlChar const* name, xmlChar const* externalId, xmlChar const* systemId)
+{
+    TrueBeginning const beginning(context);
+    xmlSAX2InternalSubset(context, name, externalId, systemId);
+}
+
 void _startElement(void* context, xmlChar const* name, xmlChar const** attributes)
 {
-    xmlSAX2StartElement(context, name, attributes);
-    _attachedTo(_parser(context)).hasRoot = true;
+    {
+        TrueBeginning const beginning(context);
+        xmlSAX2StartElement(context, name, attributes);
+    }
     _renewNames(_parser(context));
 }
 
@@ -110,27 +131,29 @@ void _characters(void* context, xmlChar const* text, int length)
 void _processingInstruction(void* context, xmlChar const* target, xmlChar const* data)
 {
     xmlSAX2ProcessingInstruction(context, target, data);
-    _added(_parser(context));
     _renewNames(_parser(context));
 }
 
 void _comment(void* context, xmlChar const* text)
 {
     xmlSAX2Comment(context, text);
-    _added(_parser(context));
+    xmlNode* const parent = _parser(context).node;
+    xmlNode* const node = parent ? parent->last : nullptr;
+    if (!node || node->type != XML_COMMENT_NODE) return; // there was no memory for it
+    if (!node->prev || node->prev->type != XML_COMMENT_NODE) return;
+    node->prev = node->prev->prev;
+    _attachedTo(_parser(context)).commentsPointBack = true;
 }
 
 // What finish() does.
 
-void _putBack(Attached& attached, xmlDoc& document)
+/// What libxml2 does at the end of a document, had it not found one already.
+void _addDefaultDtd(xmlDoc& document)
 {
-    if (!attached.kept) return;
-    xmlNode* const rest = attached.ahead->next;
-    attached.ahead->next = attached.kept;
-    attached.kept->prev = attached.ahead;
-    attached.lastKept->next = rest;
-    (rest ? rest->prev : document.last) = attached.lastKept;
-    attached.kept = nullptr;
+    if (xmlGetIntSubset(&document)) return;
+    auto const text = [](char const* ascii) { return reinterpret_cast<xmlChar const*>(ascii); };
+    document.intSubset = xmlCreateIntSubset(&document, text("html"), text("-//W3C//DTD HTML 4.0 Transitional//EN"),
+                                            text("http://www.w3.org/TR/REC-html40/loose.dtd"));
 }
 
 /// Each node points back to the one before it.
@@ -152,6 +175,8 @@ void _pointBack(xmlDoc& document)
 void LinearCosts::attach(xmlParserCtxt& parser)
 {
     parser._private = new Attached;
+    parser.sax->startDocument = _startDocument;
+    parser.sax->internalSubset = _internalSubset;
     parser.sax->startElement = _startElement;
     parser.sax->characters = _characters;
     parser.sax->processingInstruction = _processingInstruction;
@@ -162,7 +187,8 @@ void LinearCosts::finish(xmlParserCtxt& parser) noexcept
 {
     Attached& attached = _attachedTo(parser);
     if (!parser.myDoc) return;
-    _putBack(attached, *parser.myDoc);
+    _hideNoDtd(attached, *parser.myDoc);
+    _addDefaultDtd(*parser.myDoc);
     if (attached.commentsPointBack) _pointBack(*parser.myDoc);
 }
 

@@ -12,8 +12,8 @@ namespace HTML {
 ///   alone and its trees hold copies; names to which it still has pointers stay where they are as long as it lives.
 /// - At blanks it goes back over all comments in front of them. While it parses, a comment that follows another one
 ///   points back to what stands before them all.
-/// - At blanks in the body it goes through the document for its DTD. While it parses, what stands ahead of the root
-///   is kept elsewhere.
+/// - At blanks in the body it goes through the document for a DTD. While it parses, it finds one at once that says
+///   nothing.
 namespace LinearCosts {
 
 /// For a parser that has not begun; takes its `_private` and its events. Throws std::bad_alloc.

@@ -379,7 +379,7 @@ TEST(HtmlContext, TheTreeIsThatOfLibxml)
     char const* const strict = "<!DOCTYPE html PUBLIC '-//W3C//DTD HTML 4.01//EN'>";
     char const* const pieces[] = {"<!--a-->", "<!--b--> ", " ",        "<?i>",   "<?i x> ", "x",       "<p>",
                                   "</p>",     "<table>",   "</tr>",    "<body>", "</body>", "</html>", "<!DOCTYPE a>",
-                                  strict,     "<b>y ",     "<t1 u=v>", "</t1>",  "&zz;"};
+                                  strict,     "<b>y ",     "<t1 u=v>", "</t1>",  "&zz;",    "<html/>", "<p/>"};
     std::mt19937 random(7);
     for (int i = 0; i < 3000; ++i) {
         std::string html;
