@@ -1,5 +1,5 @@
 // All visitors on one document. What must hold for any input:
-//   - how the bytes were cut when they were written does not matter;
+//   - each visitor gives alone, whatever the cuts of the writes, what it gives beside all others on one write;
 //   - with no colour, size, class or style named, all text is visible;
 //   - the tokens of tags and the images are bounded by what the source can hold.
 #include <cstdint>
@@ -23,8 +23,11 @@ private:
     int& m_count;
 };
 
+enum Visitors { Text, Disclaimer, Tags, Images, VisitorCount };
+constexpr unsigned allVisitors = (1u << VisitorCount) - 1;
+
 struct Result {
-    std::string all; // texts, links, images and tokens
+    std::string of[VisitorCount]; // texts and links, the disclaimer, tokens, images
     int hidden = 0;
 };
 
@@ -45,7 +48,8 @@ std::string textOf(Buffer const& buffer)
     return std::string(reinterpret_cast<char const*>(buffer.data()), buffer.length());
 }
 
-Result read(std::string const& html, bool ignoreEncoding, size_t step)
+/// `visitors` has a bit for each that looks.
+Result read(std::string const& html, bool ignoreEncoding, size_t step, unsigned visitors)
 {
     TextHtmlDoc document(ignoreEncoding);
     Buffer text, disclaimer;
@@ -54,21 +58,25 @@ Result read(std::string const& html, bool ignoreEncoding, size_t step)
     TDProperties tokens;
     ImageProperties images(0);
     Result result;
-    add(document, new HtmlTxtExtract(&document, 1, textOut, &uris));
-    add(document, new HtmlToTxtDisclaimer(&document, disclaimerOut));
-    add(document, new HtmlTagExtract(&tokens, "utf-8"));
-    add(document, new HtmlImageExtract(&document, 1, &images));
+    if (visitors & 1u << Text) add(document, new HtmlTxtExtract(&document, 1, textOut, &uris));
+    if (visitors & 1u << Disclaimer) add(document, new HtmlToTxtDisclaimer(&document, disclaimerOut));
+    if (visitors & 1u << Tags) add(document, new HtmlTagExtract(&tokens, "utf-8"));
+    if (visitors & 1u << Images) add(document, new HtmlImageExtract(&document, 1, &images));
     add(document, new Hidden(document, result.hidden));
     write(document, html, step);
     document.end();
 
-    result.all = textOf(text) + "|" + textOf(disclaimer) + "|";
+    result.of[Text] = textOf(text) + "|";
     for (unsigned long id : {0ul, 1ul})
-        for (Uri const& uri : uris.hrefs(id)) result.all += uri.asString() + " ";
+        for (Uri const& uri : uris.hrefs(id)) result.of[Text] += uri.asString() + " ";
+    result.of[Disclaimer] = textOf(disclaimer);
+    for (Ref<TD> const& found : tokens.descriptors()) {
+        std::wstring const& all = found->tokens();
+        result.of[Tags].append(reinterpret_cast<char const*>(all.data()), all.size() * sizeof(wchar_t));
+        if (all.size() > 201) std::abort();
+    }
     for (Ref<ImageSummary> const& image : images.images())
-        result.all += image->cid.value + std::to_string(image->textLine) + (image->firstInRun ? "f" : "n");
-    for (wchar_t token : tokens.descriptors()[0]->tokens()) result.all += std::to_string(token) + ",";
-    if (tokens.descriptors()[0]->tokens().size() > 201) std::abort();
+        result.of[Images] += image->cid.value + std::to_string(image->textLine) + (image->firstInRun ? "f" : "n");
     return result;
 }
 
@@ -83,14 +91,18 @@ bool canHide(std::string const& html)
 
 } // namespace
 
+// The first byte chooses whether the document's own character set counts, the cuts, and who looks alone.
 extern "C" int LLVMFuzzerTestOneInput(uint8_t const* data, size_t size)
 {
     static Config* const config = pconfig = new Config;
     (void)config;
     if (size == 0 || size > 20000) return 0;
     std::string const html(reinterpret_cast<char const*>(data + 1), size - 1);
-    Result const whole = read(html, data[0] & 1, html.size() + 1), cut = read(html, data[0] & 1, data[0] / 2 + 1);
-    if (whole.all != cut.all || whole.hidden != cut.hidden) std::abort();
-    if (whole.hidden > 0 && !canHide(html)) std::abort();
+    bool const ignoreEncoding = data[0] & 1;
+    unsigned const step = data[0] / 2 % 32 + 1, alone = data[0] / 64 % VisitorCount;
+    Result const all = read(html, ignoreEncoding, html.size() + 1, allVisitors);
+    Result const cut = read(html, ignoreEncoding, step, 1u << alone);
+    if (all.of[alone] != cut.of[alone] || all.hidden != cut.hidden) std::abort();
+    if (all.hidden > 0 && !canHide(html)) std::abort();
     return 0;
 }
