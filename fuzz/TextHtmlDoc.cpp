@@ -51,13 +51,13 @@ std::string textOf(Buffer const& buffer)
 /// `visitors` has a bit for each that looks.
 Result read(std::string const& html, bool ignoreEncoding, size_t step, unsigned visitors)
 {
+    Result result; // outlives the document, which counts into it
     TextHtmlDoc document(ignoreEncoding);
     Buffer text, disclaimer;
     BufferMediaOut textOut(text), disclaimerOut(disclaimer);
     UriContainer uris;
     TDProperties tokens;
     ImageProperties images(0);
-    Result result;
     if (visitors & 1u << Text) add(document, new HtmlTxtExtract(&document, 1, textOut, &uris));
     if (visitors & 1u << Disclaimer) add(document, new HtmlToTxtDisclaimer(&document, disclaimerOut));
     if (visitors & 1u << Tags) add(document, new HtmlTagExtract(&tokens, "utf-8"));
@@ -70,6 +70,7 @@ Result read(std::string const& html, bool ignoreEncoding, size_t step, unsigned 
     for (unsigned long id : {0ul, 1ul})
         for (Uri const& uri : uris.hrefs(id)) result.of[Text] += uri.asString() + " ";
     result.of[Disclaimer] = textOf(disclaimer);
+    if (tokens.descriptors().size() != (visitors >> Tags & 1)) std::abort();
     for (Ref<TD> const& found : tokens.descriptors()) {
         std::wstring const& all = found->tokens();
         result.of[Tags].append(reinterpret_cast<char const*>(all.data()), all.size() * sizeof(wchar_t));
