@@ -46,7 +46,7 @@ inline bool isEightBit(std::string const& text)
 /// Groups of four characters up to and with the first that holds padding.
 inline std::string fromBase64(std::string const& text)
 {
-    std::string const alphabet = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
+    static std::string const alphabet = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
     std::string bytes, group;
     for (char c : text) {
         if (c == ' ' || (c >= '\t' && c <= '\r')) continue;
