@@ -3,10 +3,12 @@
 // cannot come.
 #include <velmara/Hasher.h>
 
+#include <algorithm>
 #include <cstdint>
 #include <cstdlib>
 #include <string>
 
+#include "fuzz/Writes.h"
 #include "tests/hash/Fragments.h"
 #include "tests/hash/ImagePieces.h"
 
@@ -42,12 +44,16 @@ void checkFlags(Hasher const& hasher, bool isBinary)
     if (!hasher.isValid() && sourceIsLonger) require(hasher.isMoreDataRequired());
 }
 
-void check(Hasher::DataType type, std::string const& body, size_t step)
+/// The prefixes end anywhere, the last one at the end of the body.
+void check(Hasher::DataType type, std::string const& body, std::uint8_t cuts)
 {
     bool const isBinary = type == Hasher::DataBinary;
+    Writes::Choice choice{cuts};
+    auto const most = static_cast<std::uint32_t>(body.size() * 2 / (2 + cuts % 8u) + 1);
     Hasher hasher = make(type);
-    for (size_t n = step; n < body.size() + step; n += step) {
-        Buffer const prefix(body.data(), static_cast<unsigned int>(n < body.size() ? n : body.size()), true);
+    for (size_t n = 0; n < body.size();) {
+        n = std::min<size_t>(n + 1 + choice.below(most), body.size());
+        Buffer const prefix(body.data(), static_cast<unsigned int>(n), true);
         Hasher fresh = make(type);
         fresh.dataType(hasher.dataType()); // an image may have changed it
         std::string const before = hasher.digest();
@@ -67,7 +73,6 @@ extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t n)
 {
     if (n < 3) return 0;
     auto const type = static_cast<Hasher::DataType>(data[0] % 7);
-    size_t const step = 1 + data[1] * 16u;
     std::string const rest(reinterpret_cast<char const*>(data) + 2, n - 2);
     std::string body = rest;
     switch (data[0] / 7 % 5) {
@@ -86,6 +91,6 @@ extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t n)
     }
     // Long enough for what is no image at all.
     if (data[0] >= 128) body += std::string(1100, 'x');
-    check(type, body, body.size() / 64 > step ? body.size() / 64 : step);
+    check(type, body, data[1]);
     return 0;
 }
