@@ -8,6 +8,8 @@
 #include <libxml/tree.h>
 #include <velmara/HtmlParser.h>
 
+#include "fuzz/Writes.h"
+
 using namespace Velmara;
 
 namespace {
@@ -70,25 +72,16 @@ template <class Parse> bool whole(Parse parse)
     }
 }
 
-/// True for one input in `n`, whichever inputs are changed into others.
-bool oneIn(unsigned n, uint8_t const* data, size_t size)
-{
-    std::uint32_t sum = 2166136261u; // FNV-1a
-    for (size_t i = 0; i < size; ++i) sum = (sum ^ data[i]) * 16777619u;
-    return (sum >> 16) % n == 0;
-}
-
-/// What is long costs so much more that few inputs may be. Those that were of use get the most descendants,
-/// which is why their share cannot be left to one byte.
+/// What is long costs so much more that few inputs may be.
 std::string document(uint8_t const* data, size_t size)
 {
     std::string const text(reinterpret_cast<char const*>(data + 1), size - 1);
     unsigned const kind = data[0] >> 4u;
     std::string html = text;
-    if (kind == 15 && oneIn(128, data, size)) { // pieces end anywhere
-        size_t const most = oneIn(1024, data, size) ? longest : 4400;
+    if (kind == 15 && Writes::oneIn(128, data, size)) { // pieces end anywhere
+        size_t const most = Writes::oneIn(1024, data, size) ? longest : 4400;
         while (!text.empty() && html.size() + text.size() <= most) html += text;
-    } else if (kind >= 12 && oneIn(16, data, size)) // in one long text
+    } else if (kind >= 12 && Writes::oneIn(16, data, size)) // in one long text
         html += text + std::string(4400, "\nx->"[kind % 4]) + text + text;
     return html;
 }
