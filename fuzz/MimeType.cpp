@@ -3,7 +3,9 @@
 // others.
 #include <fuzzer/FuzzedDataProvider.h>
 
+#include <cstdint>
 #include <cstdlib>
+#include <iterator>
 
 #include "tests/support/PlainMimeType.h"
 #include "tests/support/TypeDatabase.h"
@@ -69,15 +71,30 @@ std::string type(FuzzedDataProvider& input)
     return xml + "</mime-type>";
 }
 
+/// The kinds of one type, in either direction.
+void checkKinds(SharedMimeInfoImpl const& database, PlainMimeType const& plain, std::string const& one)
+{
+    for (char const* other : types) {
+        if (database.isMimeTypeEqualOrSubclassOf(one, other) != plain.isKindOf(one, other)) std::abort();
+        if (database.isMimeTypeEqualOrSubclassOf(other, one) != plain.isKindOf(other, one)) std::abort();
+    }
+}
+
 } // namespace
 
+// The last byte, which is the first that the provider hands out, chooses the claim.
 extern "C" int LLVMFuzzerTestOneInput(unsigned char const* bytes, size_t size)
 {
     FuzzedDataProvider input(bytes, size);
+    unsigned const claim = input.ConsumeIntegral<std::uint8_t>();
     std::string xml;
     for (int count = input.ConsumeIntegralInRange(0, 4); count > 0; --count) xml += type(input);
     auto const database = databaseWith(xml);
     PlainMimeType const plain(*database);
+    if (claim % 3 == 2) {
+        checkKinds(*database, plain, types[claim / 3 % std::size(types)]);
+        return 0;
+    }
 
     std::string const name = text(input, "aabA..-[", 6);
     std::string data = text(input, std::string("aabX\0\x12\x34\xff", 8), 12);
@@ -86,10 +103,7 @@ extern "C" int LLVMFuzzerTestOneInput(unsigned char const* bytes, size_t size)
 
     Buffer const content(data.data(), static_cast<unsigned int>(data.size()), true);
     std::string const expected = plain(data, name);
-    if (database->mimeType(content, name) != expected) std::abort();
-    if (*database->explain(content, name).mimeType != expected) std::abort();
-    for (char const* kind : types)
-        for (char const* parent : types)
-            if (database->isMimeTypeEqualOrSubclassOf(kind, parent) != plain.isKindOf(kind, parent)) std::abort();
+    if (claim % 3 == 0 && database->mimeType(content, name) != expected) std::abort();
+    if (claim % 3 == 1 && *database->explain(content, name).mimeType != expected) std::abort();
     return 0;
 }
