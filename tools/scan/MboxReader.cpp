@@ -14,7 +14,6 @@ namespace VelmaraCommand {
 
 namespace {
 
-constexpr std::size_t _windowSize = 128 << 10;
 constexpr std::size_t _longestLine = 1000;
 constexpr std::string_view _sought = "\nFrom ";
 constexpr std::size_t _undecided = 7; // "\r\nFrom" without its blank
@@ -136,7 +135,7 @@ bool looksLikeFromLine(std::string_view line)
     return at.blanks() && _isDate(at);
 }
 
-MboxReader::MboxReader(ByteStream& stream) : m_stream(stream), m_window(_windowSize, '\0')
+MboxReader::MboxReader(ByteStream& stream, std::size_t window) : m_stream(stream), m_window(window, '\0')
 {}
 
 bool MboxReader::refill()

@@ -30,7 +30,8 @@ bool looksLikeFromLine(std::string_view line);
 /// reads they are the same.
 class MboxReader {
 public:
-    explicit MboxReader(ByteStream& stream);
+    /// `window` is how many bytes are held: at least 2048, so that a whole separator fits.
+    explicit MboxReader(ByteStream& stream, std::size_t window = 128 << 10);
 
     /// Goes to the next message, past what is left of the present one; false if there is none.
     bool nextMessage();
