@@ -143,10 +143,8 @@ public:
     explicit FailedMessage(FoundMessage message) : m_message(std::move(message)) {}
     bool next(FoundMessage& message, bool) override
     {
-        if (!std::exchange(m_done, true))
-            message = std::move(m_message);
-        else
-            return false;
+        if (std::exchange(m_done, true)) return false;
+        message = std::move(m_message);
         return true;
     }
 

@@ -65,35 +65,34 @@ bool DirectoryWalk::next(Found& found)
     return false;
 }
 
-/// True for a file; a directory becomes the level that goes on.
+/// True for a file with messages.
 bool DirectoryWalk::visit(std::string const& path, unsigned char type, Kind in, Found& found)
 {
-    if (in == Maildir && type == DT_REG) return false;
-    if (type != DT_REG) {
-        struct stat status;
-        if (::stat(path.c_str(), &status) != 0) {
-            m_complain(path, _systemReason(), true);
-            return false;
-        }
-        if (S_ISDIR(status.st_mode)) {
-            if (m_entered.emplace(status.st_dev, status.st_ino).second)
-                enter(path, in);
-            else
-                m_complain(path, "leads to a directory that has been scanned, in a loop of links or twice", false);
-            return false;
-        }
-        if (in == Maildir) return false;
-        if (!S_ISREG(status.st_mode)) {
-            m_complain(path, _nameOfSpecial(status.st_mode), false);
-            return false;
-        }
-    }
+    if (type != DT_REG && !isFile(path, in)) return false;
+    if (in == Maildir) return false; // those of its directories are messages
     found = Found{path, in == MaildirMessages};
     return true;
 }
 
-void DirectoryWalk::enter(std::string const& path, Kind in)
+/// A directory becomes the level that goes on; what is neither is told of.
+bool DirectoryWalk::isFile(std::string const& path, Kind in)
 {
+    struct stat status;
+    if (::stat(path.c_str(), &status) != 0) {
+        m_complain(path, _systemReason(), true);
+        return false;
+    }
+    if (S_ISDIR(status.st_mode))
+        enter(path, in, {status.st_dev, status.st_ino});
+    else if (!S_ISREG(status.st_mode) && in != Maildir)
+        m_complain(path, _nameOfSpecial(status.st_mode), false);
+    return S_ISREG(status.st_mode);
+}
+
+void DirectoryWalk::enter(std::string const& path, Kind in, Identity const& identity)
+{
+    if (!m_entered.insert(identity).second)
+        return m_complain(path, "leads to a directory that has been scanned, in a loop of links or twice", false);
     std::string const name = path.substr(path.rfind('/') + 1);
     if (in == Maildir && name == "tmp") return; // what is still being delivered
     Level level{path.back() == '/' ? path : path + "/", Plain, {}, std::string(), true};

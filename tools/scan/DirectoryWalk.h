@@ -35,6 +35,7 @@ public:
     bool next(Found& found);
 
 private:
+    using Identity = std::pair<dev_t, ino_t>; // of a directory, whatever path leads to it
     enum Kind { Plain, Maildir, MaildirMessages };
     struct Name {
         std::string text;
@@ -50,7 +51,8 @@ private:
     };
 
     bool visit(std::string const& path, unsigned char type, Kind in, Found& found);
-    void enter(std::string const& path, Kind in);
+    bool isFile(std::string const& path, Kind in);
+    void enter(std::string const& path, Kind in, Identity const& identity);
     bool readNames(Level& level);
 
     Complain m_complain;
@@ -58,7 +60,7 @@ private:
     std::string m_root;
     bool m_begun = false;
     std::vector<Level> m_levels;
-    std::set<std::pair<dev_t, ino_t>> m_entered;
+    std::set<Identity> m_entered;
 };
 
 } // namespace VelmaraCommand

@@ -18,12 +18,12 @@ public:
     {}
 
     bool atEnd() const override { return peek() < 0; }
-    int peek() const override { return m_at < m_end || fill() ? static_cast<unsigned char>(m_block[m_at]) : -1; }
+    int peek() const override { return more() ? static_cast<unsigned char>(m_block[m_at]) : -1; }
     using MediaInImpl::read;
     int read(uchar_t* bytes, uint_t n) override
     {
         uint_t stored = 0;
-        while (stored < n && (m_at < m_end || fill())) {
+        while (stored < n && more()) {
             std::size_t const taken = std::min<std::size_t>(n - stored, m_end - m_at);
             std::memcpy(bytes + stored, m_block.data() + m_at, taken);
             m_at += taken;
@@ -35,7 +35,7 @@ public:
     {
         if (n == 0) n = block.size();
         block.length(0);
-        while (block.length() < n && (m_at < m_end || fill())) moveTo(block, n - block.length());
+        while (block.length() < n && more()) moveTo(block, n - block.length());
         return static_cast<int>(block.length());
     }
     void readline(Buffer& line) override
@@ -43,7 +43,7 @@ public:
         if (line.size() == 0) line.size(4096);
         line.length(0);
         uint_t const most = line.size();
-        while (line.length() < most && (m_at < m_end || fill())) {
+        while (line.length() < most && more()) {
             std::size_t const n = std::min<std::size_t>(most - line.length(), m_end - m_at);
             char const* const at = m_block.data() + m_at;
             void const* lineFeed = std::memchr(at, '\n', n);
@@ -69,6 +69,7 @@ private:
         buffer.append(reinterpret_cast<uchar_t const*>(m_block.data()) + m_at, static_cast<uint_t>(n));
         m_at += n;
     }
+    bool more() const { return m_at < m_end || fill(); }
     bool fill() const
     {
         m_blockPosition += m_end;

@@ -110,7 +110,7 @@ void LineOutput::begin(std::string const& settings)
     std::string const path = m_path + ".json";
     std::ofstream file(path, std::ios::binary);
     file << settings << '\n';
-    if (!file.flush()) throw FileFailure(path, "cannot be written");
+    if (!file.flush()) fail(path);
 }
 
 void LineOutput::goOn(std::string const& settings)

@@ -4,6 +4,7 @@
 
 #include "MboxReader.h"
 #include "MessageSource.h"
+#include "facts/Text.h"
 
 namespace VelmaraCommand {
 
@@ -28,10 +29,11 @@ constexpr Magic _compressed[] = {
 /// a mail that has "ustar" at the right place is still a mail.
 bool _isTarHeader(std::string_view head)
 {
-    if (head.size() < 512 || head.substr(257, 5) != "ustar") return false;
+    constexpr std::size_t size = 512, magicAt = 257, sumAt = 148, sumEnd = 156;
+    if (head.size() < size || !startsWith(head.substr(magicAt), "ustar")) return false;
     unsigned long sum = 0, said = 0;
-    for (std::size_t i = 0; i < 512; ++i) sum += i >= 148 && i < 156 ? ' ' : static_cast<unsigned char>(head[i]);
-    for (char c : head.substr(148, 8))
+    for (std::size_t i = 0; i < size; ++i) sum += i >= sumAt && i < sumEnd ? ' ' : static_cast<unsigned char>(head[i]);
+    for (char c : head.substr(sumAt, sumEnd - sumAt))
         if (c >= '0' && c <= '7') said = said * 8 + static_cast<unsigned long>(c - '0');
     return sum == said;
 }
@@ -126,7 +128,7 @@ Content contentOf(std::string_view head)
     std::size_t const lineFeed = head.find('\n');
     if (looksLikeFromLine(head.substr(0, lineFeed == head.npos ? lineFeed : lineFeed + 1))) return Content::Mbox;
     bool const compressed = std::any_of(std::begin(_compressed), std::end(_compressed), [&](Magic const& magic) {
-        return head.size() > magic.at && head.substr(magic.at, magic.bytes.size()) == magic.bytes;
+        return head.size() > magic.at && startsWith(head.substr(magic.at), magic.bytes);
     });
     return compressed || _isTarHeader(head) ? Content::Archive : Content::Message;
 }
