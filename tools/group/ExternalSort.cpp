@@ -309,6 +309,32 @@ private:
     std::string m_key; // of the record before
 };
 
+/// Hands sorted records on, equal keys as one record.
+class ExternalSort::Combiner {
+public:
+    Combiner(Combine combine, Sink const& sink) : m_combine(combine), m_sink(sink) {}
+
+    void take(std::string_view key, std::string_view value)
+    {
+        if (m_combine && m_isPending && key == m_key) return m_combine(m_value.data(), value);
+        finish();
+        m_key.assign(key);
+        m_value.assign(value);
+        m_isPending = true;
+    }
+    void finish()
+    {
+        if (m_isPending) m_sink(m_key, m_value);
+        m_isPending = false;
+    }
+
+private:
+    Combine const m_combine; // null: nothing is combined
+    Sink const& m_sink;
+    std::string m_key, m_value; // what has not been handed on, as others may equal it
+    bool m_isPending = false;
+};
+
 // ---- the sort ---------------------------------------------------------------------------------
 
 ExternalSort::ExternalSort(Limits const& limits, Combine combine)
@@ -380,25 +406,17 @@ void ExternalSort::merge(Runs const& runs, Sink const& sink) const
         if (runs[i]->next()) heap.push_back(i);
     }
     std::make_heap(heap.begin(), heap.end(), isLater);
-    std::string key, value; // what is being combined
-    bool pending = false;
+    Combiner combiner(m_combine, sink);
     while (!heap.empty()) {
         std::pop_heap(heap.begin(), heap.end(), isLater);
         Run& run = *runs[heap.back()];
-        if (pending && m_combine && run.key() == key) {
-            m_combine(value.data(), run.value());
-        } else {
-            if (pending) sink(key, value);
-            key.assign(run.key());
-            value.assign(run.value());
-            pending = true;
-        }
+        combiner.take(run.key(), run.value());
         if (run.next())
             std::push_heap(heap.begin(), heap.end(), isLater);
         else
             heap.pop_back();
     }
-    if (pending) sink(key, value);
+    combiner.finish();
 }
 
 void ExternalSort::drain(Sink const& sink)

@@ -52,6 +52,7 @@ public:
 
 private:
     class Buffer;
+    class Combiner;
     class Run;
     class RunWriter;
     using Runs = std::vector<std::unique_ptr<Run>>;

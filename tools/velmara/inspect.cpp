@@ -220,19 +220,27 @@ private:
         return text + "  " + shown(link.uri);
     }
 
+    static bool pretends(Link const* link) { return pretendedHost(*link) != nullptr; }
+
     /// Each URI once, those that pretend first.
-    void showLinks(std::vector<PartFacts> const& parts)
+    static std::vector<Link const*> linksOf(std::vector<PartFacts> const& parts)
     {
         std::vector<Link const*> links;
+        for (PartFacts const& part : parts)
+            if (part.html)
+                for (Link const& link : part.html->links) links.push_back(&link);
+        std::stable_partition(links.begin(), links.end(), pretends);
         std::set<std::string> known;
-        for (bool const pretends : {true, false})
-            for (PartFacts const& part : parts)
-                if (part.html)
-                    for (Link const& link : part.html->links)
-                        if ((pretendedHost(link) != nullptr) == pretends && known.insert(link.uri).second)
-                            links.push_back(&link);
+        auto const isKnown = [&](Link const* link) { return !known.insert(link->uri).second; };
+        links.erase(std::remove_if(links.begin(), links.end(), isKnown), links.end());
+        return links;
+    }
+
+    void showLinks(std::vector<PartFacts> const& parts)
+    {
+        std::vector<Link const*> const links = linksOf(parts);
         for (size_t i = 0; i < std::min(links.size(), _mostLinks); ++i)
-            line("Links", linkText(*links[i]), pretendedHost(*links[i]) != nullptr);
+            line("Links", linkText(*links[i]), pretends(links[i]));
         more("Links", links.size(), _mostLinks, "links");
     }
 
