@@ -111,7 +111,12 @@ int forEachLine(std::vector<std::string> const& texts, std::function<void(std::s
     return Done;
 }
 
-Input::Input(std::string const& path) : m_name(path == "-" ? _standardIn : path)
+std::string nameOfInput(std::string const& path)
+{
+    return path == "-" ? _standardIn : path;
+}
+
+Input::Input(std::string const& path) : m_name(nameOfInput(path))
 {
     if (path != "-") {
         m_fileName = path.substr(path.rfind('/') + 1);
@@ -132,7 +137,7 @@ int forEachInput(std::vector<std::string> const& paths, std::function<int(Input&
             Input input(path);
             status = std::max(status, work(input));
         } catch (Velmara::Exception const& failure) {
-            complain(path == "-" ? _standardIn : path, reasonOf(failure, path));
+            complain(nameOfInput(path), reasonOf(failure, path));
             status = WrongUseOrUnreadable;
         }
     }

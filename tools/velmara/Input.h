@@ -9,6 +9,9 @@
 
 namespace VelmaraCommand {
 
+/// A path of the command line as people should see it; "-" is standard input.
+std::string nameOfInput(std::string const& path);
+
 /// A file of the command line as a stream; "-" is standard input.
 class Input {
 public:

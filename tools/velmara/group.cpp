@@ -84,11 +84,6 @@ void _note(Origin& origin, ScanLine const& line, std::string const& place)
     _requireSame("fingerprint", line.fingerprint, origin.fingerprint, origin, place);
 }
 
-std::string _nameOf(std::string const& path)
-{
-    return path == "-" ? "(standard input)" : path;
-}
-
 /// Gives the number of lines that could not be read; of the first ones it is told why.
 std::uint64_t _addLines(std::string const& path, Groups& groups, Origin& origin)
 {
@@ -100,7 +95,7 @@ std::uint64_t _addLines(std::string const& path, Groups& groups, Origin& origin)
     for (;;) {
         ScanLineReader::Outcome const outcome = reader.next(line, reason);
         if (outcome == ScanLineReader::AtEnd) break;
-        std::string const place = _nameOf(path) + ":" + std::to_string(reader.number());
+        std::string const place = nameOfInput(path) + ":" + std::to_string(reader.number());
         if (outcome == ScanLineReader::Read) {
             _note(origin, line, place);
             groups.add(line);
@@ -109,7 +104,7 @@ std::uint64_t _addLines(std::string const& path, Groups& groups, Origin& origin)
         }
     }
     if (broken > _maxComplaints)
-        complain(_nameOf(path), std::to_string(broken - _maxComplaints) + " more lines cannot be read");
+        complain(nameOfInput(path), std::to_string(broken - _maxComplaints) + " more lines cannot be read");
     return broken;
 }
 
@@ -118,7 +113,7 @@ int _addFile(std::string const& path, Groups& groups, Origin& origin)
     try {
         return _addLines(path, groups, origin) == 0 ? Done : DoneWithFindings;
     } catch (std::system_error const& failure) {
-        complain(_nameOf(path), failure.code().message());
+        complain(nameOfInput(path), failure.code().message());
         return WrongUseOrUnreadable;
     }
 }
