@@ -1,12 +1,14 @@
 // Builds the directory of word lists that the library reads. The number of a word is its place, and
 // installations compare such numbers: the same inputs in the same order give the same bytes.
 #include <algorithm>
+#include <cerrno>
 #include <cstdint>
 #include <cstdio>
 #include <filesystem>
 #include <fstream>
 #include <map>
 #include <set>
+#include <system_error>
 #include <unistd.h>
 
 #include <CLI/CLI.hpp>
@@ -135,7 +137,8 @@ public:
         std::ofstream out(m_beside / name, std::ios::binary);
         out.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
         out.close();
-        if (!out) throw BadInput((m_beside / name).string(), "cannot be written");
+        if (!out)
+            throw BadInput((m_beside / name).string(), "cannot be written: " + std::generic_category().message(errno));
     }
     void moveToPlace() const
     {
@@ -204,6 +207,9 @@ int main(int argc, char** argv)
 {
     try {
         return VelmaraDict::_run(argc, argv);
+    } catch (std::filesystem::filesystem_error const& error) {
+        std::fprintf(stderr, "velmara-dict: %s: %s\n", error.path1().c_str(), error.code().message().c_str());
+        return 2;
     } catch (std::exception const& error) {
         std::fprintf(stderr, "velmara-dict: %s\n", error.what());
         return 2;
