@@ -163,6 +163,17 @@ TEST(Buffer, ForeignBytesMoveToTheFrontToMakeRoom)
     EXPECT_STREQ("ef1234", foreign);
 }
 
+TEST(Buffer, ForeignBytesBehindASmallerCapacityAreStillRoom)
+{
+    char foreign[] = "abcdef";
+    Buffer buffer(foreign, 6, false);
+    buffer.size(3);
+    EXPECT_EQ("abc", _text(buffer));
+    _append(buffer, "wxyz");
+    EXPECT_EQ("abcwxy", _text(buffer));
+    EXPECT_EQ(6u, buffer.size());
+}
+
 TEST(Buffer, ForeignBytesMoveThoughTheyOverlap)
 {
     char foreign[] = "abcdef";

@@ -110,30 +110,32 @@ TEST_P(UriSnifferName, IsFoundWithoutAScheme)
 
 INSTANTIATE_TEST_SUITE_P(
     BareNames, UriSnifferName,
-    testing::Values(
-        Row{"Name", "a.example", {"http://a.example"}},
-        Row{"NameAndPath", "a.example/x?y#z", {"http://a.example/x?y#z"}},
-        Row{"NameAndPort", "a.example:80/x", {"http://a.example:80/x"}}, Row{"NameAndLabel", "a.example:b", {}},
-        Row{"NameInASentence", "Go to a.example.", {"http://a.example"}}, Row{"OneLabel", "localhost/x", {}},
-        Row{"Address", "192.0.2.1/x", {"http://192.0.2.1/x"}}, Row{"Number", "1.5 192.0.2 3221225985", {}},
-        Row{"OneLetterAtTheEnd", "e.g i.e", {}}, Row{"EmptyLabel", "a..example .a.example .example", {}},
-        Row{"SignInTheLastLabel", "a.b_c a.bc_", {}}, Row{"HyphenInTheLastLabel", "a.xn--p1ai", {"http://a.xn--p1ai"}},
-        Row{"EscapedName", "%61.example/x", {"http://%61.example/x"}},
-        Row{"EscapedDot", "a%2eexample", {"http://a%2eexample"}}, Row{"EscapedNonsense", "100%.of", {}},
-        Row{"International",
-            "b\xc3\xbc"
-            "cher.example",
-            {"http://b\xc3\xbc"
-             "cher.example"}},
-        Row{"MailAddress", "b@c.example b.c@d.example", {}},
-        Row{"ContentIdIsAnAddress", "cid:image001.png@01D.ABC", {}}, Row{"NameInAPath", "x/a.example", {}},
-        Row{"NameAsAParameter", "x=a.example", {"http://a.example"}},
-        Row{"PageScheme", "//a.example/x", {"http://a.example/x"}},
-        Row{"PageSchemeWithBackSlashes", "\\/\\a.example\\x", {"http://a.example\\x"}},
-        Row{"PageSchemeWithAUser", "//bank.example@a.example/x", {"http://bank.example@a.example/x"}},
-        Row{"PageSchemeNeedsTwoSlashes", "/a.example/x", {}},
-        Row{"SchemeStillCounts", "http://a.example/ b.example", {"http://a.example/", "http://b.example"}},
-        Row{"SchemeInItsQuery", "a.example/?u=http://b.example", {"http://a.example/?u=http://b.example"}}),
+    testing::Values(Row{"Name", "a.example", {"http://a.example"}},
+                    Row{"NameAndPath", "a.example/x?y#z", {"http://a.example/x?y#z"}},
+                    Row{"NameAndPort", "a.example:80/x", {"http://a.example:80/x"}},
+                    Row{"NameAndLabel", "a.example:b", {}},
+                    Row{"NameInASentence", "Go to a.example.", {"http://a.example"}},
+                    Row{"OneLabel", "localhost/x", {}}, Row{"Address", "192.0.2.1/x", {"http://192.0.2.1/x"}},
+                    Row{"Number", "1.5 192.0.2 3221225985", {}}, Row{"OneLetterAtTheEnd", "e.g i.e", {}},
+                    Row{"EmptyLabel", "a..example .a.example .example", {}}, Row{"OnlyDots", "....", {}},
+                    Row{"SignInTheLastLabel", "a.b_c a.bc_", {}},
+                    Row{"HyphenInTheLastLabel", "a.xn--p1ai", {"http://a.xn--p1ai"}},
+                    Row{"EscapedName", "%61.example/x", {"http://%61.example/x"}},
+                    Row{"EscapedDot", "a%2eexample", {"http://a%2eexample"}}, Row{"EscapedNonsense", "100%.of", {}},
+                    Row{"International",
+                        "b\xc3\xbc"
+                        "cher.example",
+                        {"http://b\xc3\xbc"
+                         "cher.example"}},
+                    Row{"MailAddress", "b@c.example b.c@d.example", {}},
+                    Row{"ContentIdIsAnAddress", "cid:image001.png@01D.ABC", {}}, Row{"NameInAPath", "x/a.example", {}},
+                    Row{"NameAsAParameter", "x=a.example", {"http://a.example"}},
+                    Row{"PageScheme", "//a.example/x", {"http://a.example/x"}},
+                    Row{"PageSchemeWithBackSlashes", "\\/\\a.example\\x", {"http://a.example\\x"}},
+                    Row{"PageSchemeWithAUser", "//bank.example@a.example/x", {"http://bank.example@a.example/x"}},
+                    Row{"PageSchemeNeedsTwoSlashes", "/a.example/x", {}},
+                    Row{"SchemeStillCounts", "http://a.example/ b.example", {"http://a.example/", "http://b.example"}},
+                    Row{"SchemeInItsQuery", "a.example/?u=http://b.example", {"http://a.example/?u=http://b.example"}}),
     byRule);
 
 TEST(UriSniffer, BeginsWhereItIsTold)

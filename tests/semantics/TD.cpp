@@ -218,6 +218,7 @@ TEST_F(TDTest, PropertiesHoldFourDescriptorsAndTellTheirType)
     for (int i = 0; i < 5; ++i) properties.addText(text, "us-ascii");
     ASSERT_EQ(4u, properties.descriptors().size());
     EXPECT_EQ((std::wstring{garden, chair}), properties.descriptors()[3]->tokens());
+    EXPECT_EQ(&properties.descriptors(), &static_cast<TDProperties const&>(properties).descriptors());
 }
 
 TEST_F(TDTest, PropertiesAskForTheCapacityAndStopAtANul)
