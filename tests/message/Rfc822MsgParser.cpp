@@ -155,6 +155,13 @@ INSTANTIATE_TEST_SUITE_P(
                 "multipart(preamble[] multipart(preamble[] multipart(preamble[] leaf[one\n])) leaf[two\n])"}),
     ruleName);
 
+/// Of which none is a delimiter.
+std::string const twentyLines = [] {
+    std::string lines;
+    for (char c = 'c'; c < 'c' + 20; ++c) lines.append("--").append(1, c).append("\n");
+    return lines;
+}();
+
 INSTANTIATE_TEST_SUITE_P(
     Messages, Trees,
     testing::Values(
@@ -165,6 +172,9 @@ INSTANTIATE_TEST_SUITE_P(
         TreeRow{"AnOuterDelimiterEndsIt",
                 multipart("b", "--b\nContent-Type: message/rfc822\n\nA: 1\n\none\n--b\n\ntwo\n--b--\n"),
                 "multipart(preamble[] message(leaf[one\n]) leaf[two\n] epilogue[])"},
+        TreeRow{"ManyLinesLikeDelimitersEndNothingInIt",
+                multipart("b", "--b\nContent-Type: message/rfc822\n\nA: 1\n\n" + twentyLines + "--b\n\ntwo\n--b--\n"),
+                "multipart(preamble[] message(leaf[" + twentyLines + "]) leaf[two\n] epilogue[])"},
         TreeRow{"NothingBehindTheHeadersIsAnEmptyLeaf", "Content-Type: message/rfc822\n\n", "message(leaf[])"},
         TreeRow{"ALineThatIsNoHeaderGoesToTheNestedBody", "Content-Type: message/rfc822\nno header\nmore\n",
                 "message(leaf[no header\nmore\n])"},
