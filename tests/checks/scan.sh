@@ -90,7 +90,7 @@ same "one thread and four" one four
 for shard in 0 1 2; do "$velmara" scan -j 2 --shard $shard/3 -o shard$shard mails.mbox mails.zip samples; done
 LC_ALL=C sort -m -t: -k5,5n shard0 shard1 shard2 >merged
 same "the shards together" one merged
-for wrong in 3/3 -1/3 1 1/0 a/b 1/2x; do
+for wrong in 3/3 -1/3 1/-1 0/+2 1 1/0 a/b 1/2x 0/18446744073709551617; do
     expect "shard $wrong" 2 "$velmara" scan "--shard=$wrong" samples
     told "shard $wrong" "--shard $wrong: is not I/N with I from 0 to N - 1"
 done

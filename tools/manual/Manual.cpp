@@ -161,9 +161,9 @@ std::string _caseOf(std::string const& pattern, std::string const& words)
     return "    " + pattern + ") words='" + words + "' ;;\n";
 }
 
-std::string _inQuotes(std::string const& text)
+std::string _inQuotes(std::string const& verb, std::string const& word)
 {
-    return "'" + text + "'";
+    return "'" + verb + " " + word + "'";
 }
 
 /// Rows of a `case` over "VERB OPTION" for those options whose values are known.
@@ -173,7 +173,7 @@ std::string _valueRowsOf(CLI::App const& program, std::string const& verb)
     for (CLI::Option const* option : _optionsOf(program))
         if (std::string const values = _valuesOf(*option, ' '); !values.empty())
             for (std::string const& spelling : _spellingsOf(*option))
-                rows += _caseOf(_inQuotes(verb + ' ' + spelling), values);
+                rows += _caseOf(_inQuotes(verb, spelling), values);
     return rows;
 }
 
@@ -189,7 +189,7 @@ std::string _completionOf(CLI::App const& program, std::string const& function)
     std::string names, optionRows, valueRows = _valueRowsOf(program, "");
     for (CLI::App const* verb : _verbsOf(program)) {
         names += (names.empty() ? "" : " ") + verb->get_name();
-        optionRows += _caseOf(_inQuotes(verb->get_name() + " -") + '*', _wordsOf(_optionsOf(*verb)));
+        optionRows += _caseOf(_inQuotes(verb->get_name(), "-") + '*', _wordsOf(_optionsOf(*verb)));
         valueRows += _valueRowsOf(*verb, verb->get_name());
     }
     std::string const own = _wordsOf(_optionsOf(program));
@@ -198,7 +198,7 @@ std::string _completionOf(CLI::App const& program, std::string const& function)
         out += "    [ \"$COMP_CWORD\" -eq 1 ] && words='" + names + " " + own + "'\n" +
                "    [ \"$COMP_CWORD\" -gt 1 ] && verb=${COMP_WORDS[1]}\n";
     out += "    case \"$verb $word\" in\n" + optionRows;
-    if (!hasVerbs) out += _caseOf("' -'*", own);
+    if (!hasVerbs) out += _caseOf(_inQuotes("", "-") + '*', own);
     return out + "    esac\n    case \"$verb ${COMP_WORDS[COMP_CWORD - 1]}\" in\n" + valueRows + _endOfCompletion;
 }
 

@@ -72,7 +72,7 @@ std::unique_ptr<MessageSource> _messagesOf(ScanContext const& context, NamedStre
 }
 
 std::unique_ptr<MessageSource> _messagesOfFile(ScanContext const& context, std::string const& name,
-                                               std::shared_ptr<File> file)
+                                               std::shared_ptr<File> const& file)
 {
     if (!file->isRegular()) {
         auto pipe = std::make_unique<PipeStream>(file, context.bytesDone);

@@ -4,6 +4,7 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <cmath>
 #include <cstdarg>
 #include <cstdio>
 
@@ -25,7 +26,7 @@ std::string _format(char const* format, ...)
 
 std::string _shownTime(double seconds)
 {
-    auto const whole = static_cast<unsigned long long>(std::min(seconds, 1e9) + 0.5);
+    auto const whole = static_cast<unsigned long long>(std::llround(std::min(seconds, 1e9)));
     if (whole < 3600) return _format("%llu:%02llu", whole / 60, whole % 60);
     return _format("%llu:%02llu:%02llu", whole / 3600, whole / 60 % 60, whole % 60);
 }

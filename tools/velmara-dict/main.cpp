@@ -39,15 +39,18 @@ std::set<std::string> const _wordLists = {
     "xdict-ec-gb.idx", "e2i.idx", "Dico_result_38.xdxf.idx", "rus_eng_full.idx", "Babylon_Hebrew_English.idx",
     "ara-eng.index"};
 
+bool _holdsLineFeed(std::uint32_t character)
+{
+    for (; character != 0; character >>= 8)
+        if ((character & 0xFF) == '\n') return true;
+    return false;
+}
+
 /// Records end at the first byte of 10, so a character that holds one cannot be stored.
 bool _canBeStored(std::wstring const& word)
 {
     constexpr size_t longest = 500;
-    if (word.size() > longest) return false;
-    for (wchar_t c : word)
-        for (auto rest = static_cast<std::uint32_t>(c); rest != 0; rest >>= 8)
-            if ((rest & 0xFF) == '\n') return false;
-    return true;
+    return word.size() <= longest && std::none_of(word.begin(), word.end(), _holdsLineFeed);
 }
 
 bool _isLetter(wchar_t c)

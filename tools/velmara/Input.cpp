@@ -85,7 +85,7 @@ std::string _readPipe(std::string const& path)
 {
     int const file = ::open(path.c_str(), O_RDONLY | O_CLOEXEC);
     if (file < 0) _fail(errno);
-    std::string const bytes = _readAll(file);
+    std::string bytes = _readAll(file);
     ::close(file);
     return bytes;
 }

@@ -2,12 +2,13 @@
 // found where stands in scan/; here are the options, and what they come to.
 #include <sys/stat.h>
 
+#include <charconv>
 #include <csignal>
-#include <cstdio>
 #include <fstream>
 #include <iostream>
 #include <memory>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include <oneapi/tbb/info.h>
@@ -16,7 +17,7 @@
 #include "Verb.h"
 #include "facts/Fingerprint.h"
 #include "facts/MessageFacts.h"
-#include "facts/Shown.h"
+#include "facts/Text.h"
 #include "scan/DirectoryWalk.h"
 #include "scan/Interrupt.h"
 #include "scan/MessageLine.h"
@@ -82,15 +83,20 @@ void _addSizes(Options const& options, std::atomic<std::uint64_t>& bytes, std::a
     }
 }
 
-/// Reads "I/N"; false if it is none.
-bool _readShard(std::string const& text, ScanOptions& scan)
+/// Reads digits from the front of a text; false if there are none, or too many for a number.
+bool _takeNumber(std::string_view& text, std::uint64_t& number)
 {
-    unsigned long long shard = 0, shards = 0;
-    int end = 0;
-    if (std::sscanf(text.c_str(), "%llu/%llu%n", &shard, &shards, &end) != 2) return false;
-    scan.shard = shard;
-    scan.shards = shards;
-    return text[0] != '-' && static_cast<std::size_t>(end) == text.size() && shard < shards;
+    auto const [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
+    text.remove_prefix(static_cast<std::size_t>(end - text.data()));
+    return error == std::errc();
+}
+
+/// Reads "I/N"; false if it is none.
+bool _readShard(std::string_view text, ScanOptions& scan)
+{
+    if (!_takeNumber(text, scan.shard) || !startsWith(text, "/")) return false;
+    text.remove_prefix(1);
+    return _takeNumber(text, scan.shards) && text.empty() && scan.shard < scan.shards;
 }
 
 /// Two runs with the same settings over the same input write the same lines.
