@@ -77,9 +77,10 @@ private:
 /// Limits: libxml2 stops at its 257th open element and drops the rest. Of a tag with more than 1024
 /// attributes the first 1024 are seen; this is the one place where the result is not libxml2's own,
 /// whose cost grows with the square of their number. Where such tags can hide from that count, in
-/// a document of more than 16 KB in a character set that is no superset of ASCII, the names of elements
-/// and attributes are forgotten beyond some 20 KB of different ones. A text of more than 10 MB in one element ends
-/// the document there, as libxml2 has it, and loses up to 1000 bytes. Exceptions of a builder pass through.
+/// a document of more than 16 KB in a character set that is no superset of ASCII, or with a byte above 127 in
+/// the name of a document type or an instruction, the names of elements and attributes are forgotten beyond
+/// some 20 KB of different ones. A text of more than 10 MB in one element ends the document there, as libxml2
+/// has it, and loses up to 1000 bytes. Exceptions of a builder pass through.
 /// Threads can parse at once, each with objects of its own.
 class VELMARA_EXPORT Parser : private NonCopyable {
 public:
