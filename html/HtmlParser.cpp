@@ -98,7 +98,8 @@ bool _isCharsetByte(unsigned char c)
 /// Answers libxml2's search for a character set behind any place of a buffer.
 class CharsetSearch {
 public:
-    explicit CharsetSearch(std::string_view document) : m_document(document)
+    explicit CharsetSearch(std::string_view document)
+        : m_document(document), m_nul(std::min(document.find('\0'), document.size()))
     {
         for (Word& word : m_words) word.places = placesOf(word.text);
     }
@@ -114,9 +115,9 @@ public:
 
     /// What a piece that ends at `from` gets behind it: for each state in which the search can arrive
     /// there, the words still missing and the name that it would find. The search ends at a NUL.
-    std::string hint(size_t from) const
+    std::string hint(size_t from)
     {
-        size_t const end = std::min(m_document.find('\0', from), m_document.size());
+        size_t const end = nulFrom(from);
         std::string hint;
         for (size_t missing = 1; missing <= wordCount; ++missing) {
             size_t at = from;
@@ -154,6 +155,20 @@ private:
         return found == word.places.end() || *found >= end ? std::string_view::npos : *found;
     }
 
+    /// The first NUL from there on, or the end. Looks at each byte once as long as places rise, which they mostly do.
+    size_t nulFrom(size_t from)
+    {
+        if (from > m_nul) {
+            m_nulFreeFrom = from;
+            m_nul = std::min(m_document.find('\0', from), m_document.size());
+        } else if (from < m_nulFreeFrom) {
+            size_t const earlier = m_document.substr(0, m_nulFreeFrom).find('\0', from);
+            if (earlier != std::string_view::npos) return earlier;
+            m_nulFreeFrom = from;
+        }
+        return m_nul;
+    }
+
     std::string_view nameAt(size_t from) const
     {
         size_t to = from;
@@ -162,6 +177,7 @@ private:
     }
 
     std::string_view m_document;
+    size_t m_nulFreeFrom = 0, m_nul; // where no NUL stands, and the one behind
     Word m_words[wordCount] = {{"HTTP-EQUIV", {}}, {"CONTENT", {}}, {"CHARSET=", {}}}; // in the order of the search
 };
 
