@@ -336,9 +336,10 @@ TEST(HtmlContext, TheTreeIsThatOfLibxml)
 {
     // Ahead of the root and in it, with and without a DTD: what the parser is spared must not show.
     char const* const strict = "<!DOCTYPE html PUBLIC '-//W3C//DTD HTML 4.01//EN'>";
-    char const* const pieces[] = {"<!--a-->", "<!--b--> ", " ",        "<?i>",   "<?i x> ", "x",       "<p>",
-                                  "</p>",     "<table>",   "</tr>",    "<body>", "</body>", "</html>", "<!DOCTYPE a>",
-                                  strict,     "<b>y ",     "<t1 u=v>", "</t1>",  "&zz;",    "<html/>", "<p/>"};
+    char const* const pieces[] = {"<!--a-->", "<!--b--> ",    " ",       "<?i>",           "<?i x> ",  "x",
+                                  "<p>",      "</p>",         "<table>", "</tr>",          "<body>",   "</body>",
+                                  "</html>",  "<!DOCTYPE a>", strict,    "<b>y ",          "<t1 u=v>", "</t1>",
+                                  "&zz;",     "<html/>",      "<p/>",    "<a id=b name=c>"};
     std::mt19937 random(7);
     for (int i = 0; i < 3000; ++i) {
         std::string html;
