@@ -15,6 +15,9 @@ struct Run {
     unsigned long long output = 0;
 };
 
+/// The least of some runs in this process; memory is not looked at.
+Run leastOf(int times, void (*work)(Input const& input, Sink& sink), Input const& input);
+
 /// A file in memory that processes started here can open.
 class SharedFile {
 public:

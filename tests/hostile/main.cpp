@@ -1,4 +1,5 @@
 // velmara_hostile measure [FILTER [MS]]  time and memory of each attack at n, 2n and 4n
+// velmara_hostile search [S [SEED]]  random attacks for S seconds
 // velmara_hostile memory             what bodies, parts, headers, parameters and links cost
 // velmara_hostile quick              each attack once, in a thread with a small stack
 // velmara_hostile dump FILE...       a digest of what comes out of each attack and of each message
@@ -7,6 +8,7 @@
 #include <exception>
 #include <iostream>
 #include <locale>
+#include <random>
 #include <string>
 #include <vector>
 
@@ -15,6 +17,7 @@
 #include "hostile/Case.h"
 #include "hostile/Dump.h"
 #include "hostile/Measure.h"
+#include "hostile/Search.h"
 #include "support/SmallStack.h"
 
 namespace Velmara::Hostile {
@@ -37,16 +40,21 @@ int _quick()
 int _do(std::vector<std::string> const& words)
 {
     std::string const verb = words.empty() ? std::string() : words[0];
-    if (verb == "measure" || verb == "dump") SharedMimeInfo::init(); // without data they would measure nothing
+    if (verb == "measure" || verb == "search" || verb == "dump")
+        SharedMimeInfo::init(); // without data they would measure nothing
     if (verb == "measure" && words.size() <= 3)
         return measure(words.size() > 1 ? words[1] : std::string(), words.size() > 2 ? std::stod(words[2]) : 20);
+    if (verb == "search" && words.size() <= 3)
+        return search(words.size() > 2 ? static_cast<unsigned>(std::stoul(words[2])) : std::random_device()(),
+                      words.size() > 1 ? std::stoi(words[1]) : 60);
     if (verb == "memory" && words.size() == 1) return measureMemory();
     if (verb == "quick" && words.size() == 1) return _quick();
     if (verb == "dump") return dump({words.begin() + 1, words.end()});
     if (verb == "show" && words.size() == 2) return show(words[1]);
     if (verb == "run" && words.size() == 3) return runOne(words[1], words[2]);
     if (verb == "memory-of" && words.size() == 3) return runMemory(words[1], words[2]);
-    std::fprintf(stderr, "usage: velmara_hostile measure [FILTER [MS]] | memory | quick | dump FILE... | show NAME\n");
+    std::fprintf(stderr, "usage: velmara_hostile measure [FILTER [MS]] | search [SECONDS [SEED]] | memory | quick | "
+                         "dump FILE... | show NAME\n");
     return 2;
 }
 
