@@ -3,10 +3,11 @@
 //
 // A further document costs a pass over all that follows, unless the parser sees less of it: from the
 // second pass on it first gets a piece, twice the one that sufficed before, and ever larger ones while
-// it does not stop well inside. It then cannot have noticed that something was missing, but for one
-// thing: at the first byte above 127 it looks through all that follows for HTTP-EQUIV, CONTENT and
+// it does not stop well inside. It then cannot have noticed that something was missing, but for two
+// things. At the first byte above 127 it looks through all that follows for HTTP-EQUIV, CONTENT and
 // CHARSET= and takes the name it finds. So a piece ends in a hint, which answers that search as the rest
-// of the document would.
+// of the document would. And the target of an instruction that reaches to the end of the input is no target:
+// the parser stops in front of it, as if it had not looked so far. Such a piece was too small.
 #include <velmara/HtmlParser.h>
 
 #include <libxml/HTMLparser.h>
@@ -82,6 +83,14 @@ void _checkUnsupported(xmlCharEncoding set)
     if (!handler) return;
     xmlCharEncCloseFunc(handler);
     throw std::bad_alloc();
+}
+
+/// Whether libxml2 takes what follows "<?" for nothing because the name does not end.
+bool _isAtCutName(xmlParserInput const& input)
+{
+    if (input.cur - input.base < 2 || input.cur[-2] != '<' || input.cur[-1] != '?') return false;
+    return std::all_of(input.cur, input.end,
+                       [](xmlChar c) { return isAlnum(c) || c == '_' || c == '-' || c == ':' || c == '.'; });
 }
 
 void _select(HTMLContext& context, char const* charset)
@@ -202,7 +211,8 @@ void Builder::endParsing()
 /// Where the parser stands in its input, which may be a converted form of what it was given.
 struct HTMLContext::Position {
     size_t consumed, left;
-    bool halted; // too deep, or in a character set that cannot be converted: the input is gone
+    bool halted;  // too deep, or in a character set that cannot be converted: the input is gone
+    bool cutName; // behind "<?", at a name that reaches to the end
 };
 
 void HTMLContext::Freed::operator()(xmlParserCtxt* context) const
@@ -284,8 +294,9 @@ void HTMLContext::write(std::string const& fileName)
 HTMLContext::Position HTMLContext::position() const
 {
     xmlParserInput const* input = m_context->input;
-    if (!input) return {0, 0, true};
-    return {static_cast<size_t>(input->cur - input->base), static_cast<size_t>(input->end - input->cur), !input->buf};
+    if (!input) return {0, 0, true, false};
+    return {static_cast<size_t>(input->cur - input->base), static_cast<size_t>(input->end - input->cur), !input->buf,
+            _isAtCutName(*input)};
 }
 
 Parser::Parser(Builder& builder, bool ignoreEncoding) : m_builder(builder), m_ignoreEncoding(ignoreEncoding)
@@ -379,7 +390,7 @@ private:
         piece += hint;
         xmlNode const* root = context.parse(piece.data(), static_cast<unsigned int>(piece.size()));
         HTMLContext::Position const position = context.position();
-        if (position.halted || position.left < _farFromEnd + 4 * hint.size()) return false;
+        if (position.halted || position.cutName || position.left < _farFromEnd + 4 * hint.size()) return false;
         remember(context, n);
         parser.finish(context, root, static_cast<unsigned int>(n));
         return true;
