@@ -273,6 +273,8 @@ def check_command():
 
 
 def main():
+    # What is started in the background of a script has interrupts ignored, and so has all that it starts.
+    signal.signal(signal.SIGINT, signal.default_int_handler)
     names = verbs()
     if len(names) < 13:
         sys.exit("conventions: only %d verbs in the help" % len(names))
