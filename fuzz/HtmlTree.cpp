@@ -21,23 +21,15 @@ using namespace Velmara::HTML;
 
 namespace {
 
-constexpr char const* pieces[] = {"<",          "<p",       " a",
-                                  " b=",        " c='",     " d=\"",
-                                  "'",          "\"",       ">",
-                                  "/>",         "</p>",     "<!--",
-                                  "-->",        "--!>",     "<!",
-                                  "<!DOCTYPE",  " PUBLIC ", " SYSTEM ",
-                                  "<?",         "<?i ",     "<script",
-                                  "</script",   "<style>",  "</style",
-                                  "<t ",        "<table>",  "<body>",
-                                  "</body>",    "</html>",  "<html ",
-                                  "<html/>",    "<head>",   " ",
-                                  "\n",         "&",        "&zz;",
-                                  "&#65;",      "<meta ",   "<!---->",
-                                  "<!----> ",   "<?x>",     " <hr>",
-                                  "x",          "<b>y ",    "</b",
-                                  " e f g h i", "=",        "/",
-                                  "<a id=q ",   " name=q",  "<!DOCTYPE html PUBLIC '-//W3C//DTD HTML 4.01//EN'>"};
+// A piece a line would fill pages.
+// clang-format off
+constexpr char const* pieces[] = {
+    "<", "<p", " a", " b=", " c='", " d=\"", "'", "\"", ">", "/>", "</p>", "<!--", "-->", "--!>", "<!", "<!DOCTYPE",
+    " PUBLIC ", " SYSTEM ", "<?", "<?i ", "<script", "</script", "<style>", "</style", "<t ", "<table>", "<body>",
+    "</body>", "</html>", "<html ", "<html/>", "<head>", " ", "\n", "&", "&zz;", "&#65;", "<meta ", "<!---->",
+    "<!----> ", "<?x>", " <hr>", "x", "<b>y ", "</b", " e f g h i", "=", "/", "<a id=q ", " name=q",
+    "<!DOCTYPE html PUBLIC '-//W3C//DTD HTML 4.01//EN'>"};
+// clang-format on
 
 std::string documentOf(std::uint8_t const* data, std::size_t n)
 {
