@@ -23,7 +23,8 @@ constexpr Threshold _thresholds[] = {{5, 0}, {10, 1}, {12, 2}, {14, 3}, {16, 4},
 std::set<CssFontSize::TextSize> const _sizes{{"xx-small", 1}, {"small", 2},   {"medium", 3},
                                              {"large", 4},    {"x-large", 5}, {"xx-large", 6}};
 
-/// A negative number is read as a huge one, which makes it the largest size.
+/// A negative number is read as a huge one: as a size it is the largest, and added to a size it wraps around
+/// to the difference.
 unsigned long _number(char const* text)
 {
     return static_cast<unsigned long>(std::strtol(text, nullptr, 10));
@@ -32,7 +33,7 @@ unsigned long _number(char const* text)
 unsigned long _relative(char const* text, unsigned long current)
 {
     unsigned long const n = _number(text + 1);
-    if (*text == '+') return n > _largest ? _largest : current + n;
+    if (*text == '+') return current + n;
     return current > n ? current - n : 1;
 }
 
