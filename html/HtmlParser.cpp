@@ -237,7 +237,7 @@ HTMLContext::HTMLContext(bool ignoreEncoding)
 
 HTMLContext::~HTMLContext() = default;
 
-xmlNode const* HTMLContext::parse(char const* chunk, unsigned int size)
+xmlNode* HTMLContext::parse(char const* chunk, unsigned int size)
 {
     if (size > INT_MAX) return nullptr;
     QuietXml const quiet(m_context.get(), LinearCosts::complained);

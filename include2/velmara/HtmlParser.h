@@ -43,8 +43,9 @@ public:
     explicit HTMLContext(bool ignoreEncoding);
     virtual ~HTMLContext();
 
-    /// Parses a whole document, once for each context; gives its root element, null if there is none.
-    virtual _xmlNode const* parse(char const* chunk, unsigned int size);
+    /// Parses a whole document, once for each context; gives its root element, null if there is none. The document
+    /// stays the context's own.
+    virtual _xmlNode* parse(char const* chunk, unsigned int size);
 
     /// Selects the character set of what will be parsed. Nothing happens for null, for an unknown name
     /// and for US-ASCII, which leaves the document's own declaration in force.

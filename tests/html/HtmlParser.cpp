@@ -228,6 +228,15 @@ TEST(HtmlContext, GivesTheRootOrNull)
     EXPECT_FALSE(none.parse("", 0));
 }
 
+TEST(HtmlContext, TheRootCanBeGivenToLibxml)
+{
+    HTMLContext context(false);
+    xmlNodePtr const root = context.parse("<p>a<i>b</i>", 12);
+    xmlChar* text = xmlNodeGetContent(root);
+    EXPECT_STREQ("ab", reinterpret_cast<char const*>(text));
+    xmlFree(text);
+}
+
 TEST(HtmlContext, MoreBytesThanLibxmlCountsGiveNoRoot)
 {
     HTMLContext context(false);
