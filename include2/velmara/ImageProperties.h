@@ -31,7 +31,7 @@ public:
 
 /// One image: where it comes from, what size the markup states, and how much text stands above it. The
 /// fields behind firstInRun are the caller's own; the library leaves them 0.
-class VELMARA_EXPORT ImageSummary : public RefImpl, public NonCopyable {
+class VELMARA_EXPORT ImageSummary : virtual public RefImpl, private NonCopyable {
 public:
     /// No source, and all numbers 0.
     ImageSummary();

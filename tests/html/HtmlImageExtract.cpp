@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <type_traits>
+
 #include "html/Extracts.h"
 
 namespace Velmara {
@@ -151,6 +153,16 @@ TEST(HtmlImageExtract, AfterTheEndNothingIsAdded)
     extract.done();
     EXPECT_TRUE(properties.images().empty());
     EXPECT_EQ(2, extract.textLineBeforeImag());
+}
+
+TEST(ImageSummary, IsCountedOnceAlsoAsTheBaseOfAClassOfSeveral)
+{
+    struct Fact : ImageSummary, virtual RefImpl {};
+    Fact fact;
+    ImageSummary& summary = fact;
+    EXPECT_EQ(&static_cast<RefImpl&>(fact), &static_cast<RefImpl&>(summary));
+    EXPECT_FALSE((std::is_convertible_v<ImageSummary*, NonCopyable*>));
+    EXPECT_FALSE(std::is_copy_constructible_v<ImageSummary>);
 }
 
 TEST(ImageSummary, StartsWithoutAnything)
