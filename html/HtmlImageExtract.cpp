@@ -1,7 +1,6 @@
 #include <velmara/HtmlImageExtract.h>
 
 #include <velmara/HtmlParser.h>
-#include <velmara/Singleton.h>
 #include <velmara/StringOperations.h>
 
 #include <algorithm>
@@ -19,13 +18,7 @@ constexpr int _fewest = 3;       // characters that a paragraph needs to count
 constexpr int _percentWidth = 6; // pixels for one percent of a page
 constexpr char const* _contentId = "cid:";
 
-class HtmlSLinkPatterns : public Singleton<HtmlSLinkPatterns>, public StringPattern {
-public:
-    HtmlSLinkPatterns() : StringPattern(HTML::stringPatternFactory(names)) {}
-
-private:
-    static inline char const* names[] = {"href", "src", "background", nullptr};
-};
+char const* _sourceNames[] = {"href", "src", "background", nullptr};
 
 int _numberAtStart(std::string const& text)
 {
@@ -64,6 +57,11 @@ int _added(int a, int b)
 }
 
 } // namespace
+
+HtmlSLinkPatterns::HtmlSLinkPatterns() : StringPattern(HTML::stringPatternFactory(_sourceNames))
+{}
+
+HtmlSLinkPatterns::~HtmlSLinkPatterns() = default;
 
 ImageSummary::ImageSummary() = default;
 

@@ -1,7 +1,6 @@
 #include <velmara/HtmlToTxtDisclaimer.h>
 
 #include <velmara/HtmlParser.h>
-#include <velmara/Singleton.h>
 
 #include <algorithm>
 
@@ -12,13 +11,7 @@ namespace Velmara {
 
 namespace {
 
-class DisclaimerHrefAttributePatterns : public Singleton<DisclaimerHrefAttributePatterns>, public StringPattern {
-public:
-    DisclaimerHrefAttributePatterns() : StringPattern(HTML::stringPatternFactory(names)) {}
-
-private:
-    static inline char const* names[] = {"href", nullptr};
-};
+char const* _writtenAttributes[] = {"href", nullptr};
 
 constexpr std::string_view _linesEndBehind[] = {"tr", "br", "div", "p",  "li", "dt", "dd",
                                                 "h1", "h2", "h3",  "h4", "h5", "h6", "a"};
@@ -32,6 +25,12 @@ template <size_t n> bool _isOneOf(_xmlNode const* node, std::string_view const (
 constexpr std::string_view _contentId = "cid:";
 
 } // namespace
+
+DisclaimerHrefAttributePatterns::DisclaimerHrefAttributePatterns()
+    : StringPattern(HTML::stringPatternFactory(_writtenAttributes))
+{}
+
+DisclaimerHrefAttributePatterns::~DisclaimerHrefAttributePatterns() = default;
 
 HtmlToTxtDisclaimer::HtmlToTxtDisclaimer(TextHtmlDoc*, MediaOut const& output) : m_output(output)
 {}

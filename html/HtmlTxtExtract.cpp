@@ -1,7 +1,6 @@
 #include <velmara/HtmlTxtExtract.h>
 
 #include <velmara/Logger.h>
-#include <velmara/Singleton.h>
 #include <velmara/StringOperations.h>
 #include <velmara/TextHtmlDoc.h>
 #include <velmara/Uri.h>
@@ -17,13 +16,7 @@ constexpr unsigned int _headOfSource = 2048;
 constexpr size_t _shortestUri = 10;
 constexpr unsigned int _uriMessage = 0x3000000;
 
-class HrefAttributePatterns : public Singleton<HrefAttributePatterns>, public StringPattern {
-public:
-    HrefAttributePatterns() : StringPattern(HTML::stringPatternFactory(names)) {}
-
-private:
-    static inline char const* names[] = {"href", "action", "src", "background", nullptr};
-};
+char const* _linkAttributes[] = {"href", "action", "src", "background", nullptr};
 
 void _write(MediaOut& output, std::string_view bytes)
 {
@@ -62,6 +55,11 @@ bool _addUri(UriContainer& uris, std::string const& value)
 }
 
 } // namespace
+
+HrefAttributePatterns::HrefAttributePatterns() : StringPattern(HTML::stringPatternFactory(_linkAttributes))
+{}
+
+HrefAttributePatterns::~HrefAttributePatterns() = default;
 
 HtmlTxtExtract::HtmlTxtExtract(TextHtmlDoc* document, unsigned long id, MediaOut const& output, UriContainer* uris)
     : m_document(document), m_id(id), m_output(output), m_uris(uris)

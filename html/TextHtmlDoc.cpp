@@ -6,7 +6,6 @@
 #include <velmara/TextHtmlDoc.h>
 
 #include <velmara/FontSize.h>
-#include <velmara/Singleton.h>
 #include <velmara/StringOperations.h>
 
 #include <algorithm>
@@ -27,16 +26,7 @@ constexpr unsigned int _blockSize = 1024;
 RgbColour const _black(0, 0, 0);
 RgbColour const _white(255, 255, 255);
 
-class BodyOrTablePattern : public Singleton<BodyOrTablePattern>, public StringPattern {
-public:
-    BodyOrTablePattern() : StringPattern(HTML::stringPatternFactory(names)) {}
-
-    /// No longer name can match.
-    bool matchesName(_xmlNode const* node) const { return HTML::name(node).size() <= 5 && matches(node->name); }
-
-private:
-    static inline char const* names[] = {"body", "table", "tr", "th", "td", nullptr};
-};
+char const* _bodyAndTable[] = {"body", "table", "tr", "th", "td", nullptr};
 
 /// The expression reaches beyond headings: `hr` is a line break as well.
 StringPattern s_createReplaceSFPattern()
@@ -45,13 +35,17 @@ StringPattern s_createReplaceSFPattern()
                                                   StringPattern("p", true, false)});
 }
 
-class ReplaceWithLF : public Singleton<ReplaceWithLF>, public StringPattern {
-public:
-    ReplaceWithLF() : StringPattern(s_createReplaceSFPattern()) {}
+/// No longer name can match, and most names are longer.
+bool _beginsLine(_xmlNode const* node)
+{
+    return HTML::name(node).size() <= 2 && ReplaceWithLF::instance().matches(node->name);
+}
 
-    /// No longer name can match, and most names are longer.
-    bool matchesName(_xmlNode const* node) const { return HTML::name(node).size() <= 2 && matches(node->name); }
-};
+/// No longer name can match.
+bool _hasBackground(_xmlNode const* node)
+{
+    return HTML::name(node).size() <= 5 && BodyOrTablePattern::instance().matches(node->name);
+}
 
 /// What stands from a position up to the next ";", trimmed.
 std::string s_cssValue(unsigned long position, std::string const& style)
@@ -83,6 +77,16 @@ RgbColour const* _pointer(std::optional<RgbColour> const& colour)
 }
 
 } // namespace
+
+BodyOrTablePattern::BodyOrTablePattern() : StringPattern(HTML::stringPatternFactory(_bodyAndTable))
+{}
+
+BodyOrTablePattern::~BodyOrTablePattern() = default;
+
+ReplaceWithLF::ReplaceWithLF() : StringPattern(s_createReplaceSFPattern())
+{}
+
+ReplaceWithLF::~ReplaceWithLF() = default;
 
 TextHtmlDoc::Colour::Colour(RgbColour const& f, RgbColour const& b) : foreground(f), background(b)
 {}
@@ -181,9 +185,9 @@ void TextHtmlDoc::tag(_xmlNode const* node)
                                    [node](Kind const& row) { return HTML::isNamed(node, row.name); });
     if (kind != std::end(s_kinds))
         (this->*kind->action)(node);
-    else if (ReplaceWithLF::instance().matchesName(node))
+    else if (_beginsLine(node))
         for_each_call(&HtmlDocVisitor::ignore, node);
-    else if (BodyOrTablePattern::instance().matchesName(node))
+    else if (_hasBackground(node))
         colour(node);
     else
         for_each_call(&HtmlDocVisitor::node, node);

@@ -4,6 +4,8 @@
 
 #include <velmara/HtmlDocVisitor.h>
 #include <velmara/ImageProperties.h>
+#include <velmara/Singleton.h>
+#include <velmara/StringPattern.h>
 
 namespace Velmara {
 
@@ -39,6 +41,13 @@ private:
     int m_textLines = 0;
     int m_textChars = 0;      // not yet counted as lines
     bool m_imageSeen = false; // since there was text
+};
+
+/// The names "href", "src" and "background", by which elements are asked whether they have a background image.
+class VELMARA_EXPORT HtmlSLinkPatterns : public Singleton<HtmlSLinkPatterns>, public StringPattern {
+public:
+    HtmlSLinkPatterns();
+    ~HtmlSLinkPatterns() override;
 };
 
 } // namespace Velmara

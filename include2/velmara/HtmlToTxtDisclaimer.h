@@ -4,6 +4,8 @@
 
 #include <velmara/HtmlDocVisitor.h>
 #include <velmara/MediaOut.h>
+#include <velmara/Singleton.h>
+#include <velmara/StringPattern.h>
 
 namespace Velmara {
 
@@ -40,6 +42,14 @@ private:
 
     MediaOut m_output;
     Ending m_last = OtherText; // what the output ends with
+};
+
+/// The name of the attribute whose link is written: "href".
+class VELMARA_EXPORT DisclaimerHrefAttributePatterns : public Singleton<DisclaimerHrefAttributePatterns>,
+                                                       public StringPattern {
+public:
+    DisclaimerHrefAttributePatterns();
+    ~DisclaimerHrefAttributePatterns() override;
 };
 
 } // namespace Velmara

@@ -2,6 +2,8 @@
 
 #include <velmara/HtmlDocVisitor.h>
 #include <velmara/MediaOut.h>
+#include <velmara/Singleton.h>
+#include <velmara/StringPattern.h>
 
 namespace Velmara {
 
@@ -40,6 +42,13 @@ private:
     unsigned long m_id;
     MediaOut m_output;
     UriContainer* m_uris; // not owned, may be null
+};
+
+/// The names of the attributes that hold links: "href", "action", "src" and "background".
+class VELMARA_EXPORT HrefAttributePatterns : public Singleton<HrefAttributePatterns>, public StringPattern {
+public:
+    HrefAttributePatterns();
+    ~HrefAttributePatterns() override;
 };
 
 } // namespace Velmara

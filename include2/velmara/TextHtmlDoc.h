@@ -9,6 +9,8 @@
 #include <velmara/MediaIn.h>
 #include <velmara/MediaOut.h>
 #include <velmara/RgbColour.h>
+#include <velmara/Singleton.h>
+#include <velmara/StringPattern.h>
 
 namespace Velmara {
 
@@ -124,6 +126,20 @@ private:
     Buffer m_html;
     std::string m_charset; // empty until told
     bool m_ignoreEncoding;
+};
+
+/// The names of the elements that can have a background: "body", "table", "tr", "th" and "td".
+class VELMARA_EXPORT BodyOrTablePattern : public Singleton<BodyOrTablePattern>, public StringPattern {
+public:
+    BodyOrTablePattern();
+    ~BodyOrTablePattern() override;
+};
+
+/// The names of the elements that begin a line: "br", "p" and every name of two letters that begins with "h".
+class VELMARA_EXPORT ReplaceWithLF : public Singleton<ReplaceWithLF>, public StringPattern {
+public:
+    ReplaceWithLF();
+    ~ReplaceWithLF() override;
 };
 
 } // namespace Velmara

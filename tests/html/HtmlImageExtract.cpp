@@ -174,5 +174,12 @@ TEST(ImageSummary, StartsWithoutAnything)
     EXPECT_FALSE(image.firstInRun);
 }
 
+TEST(HtmlSLinkPatterns, HasThreeNamesInAnyCase)
+{
+    StringPattern const& set = HtmlSLinkPatterns::instance();
+    for (char const* name : {"href", "SRC", "Background"}) EXPECT_TRUE(set.matches(name)) << name;
+    for (char const* name : {"", "action", "body", "td"}) EXPECT_FALSE(set.matches(name)) << name;
+}
+
 } // namespace
 } // namespace Velmara

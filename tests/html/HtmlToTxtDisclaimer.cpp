@@ -111,5 +111,12 @@ TEST(HtmlToTxtDisclaimer, NeedsNoDocument)
     EXPECT_EQ("a\n", recorded->text);
 }
 
+TEST(DisclaimerHrefAttributePatterns, HasOneNameInAnyCase)
+{
+    StringPattern const& set = DisclaimerHrefAttributePatterns::instance();
+    EXPECT_TRUE(set.matches("HRef"));
+    for (char const* name : {"", "src", "hrefs", "action"}) EXPECT_FALSE(set.matches(name)) << name;
+}
+
 } // namespace
 } // namespace Velmara

@@ -230,5 +230,12 @@ TEST(HtmlTxtExtract, AHostHiddenInPercentEscapesIsFound)
     EXPECT_EQ("a.example", uris.hrefs(7).front().hostname().asString());
 }
 
+TEST(HrefAttributePatterns, HasFourNamesInAnyCase)
+{
+    StringPattern const& set = HrefAttributePatterns::instance();
+    for (char const* name : {"href", "ACTION", "Src", "background"}) EXPECT_TRUE(set.matches(name)) << name;
+    for (char const* name : {"", "hrefs", "bgcolor", "data-src"}) EXPECT_FALSE(set.matches(name)) << name;
+}
+
 } // namespace
 } // namespace Velmara

@@ -444,5 +444,26 @@ TEST(TextHtmlDoc, NeedsLittleStack)
     EXPECT_EQ("", text); // too deep: the rest is gone
 }
 
+/// Those of the names that a set has.
+std::string matched(StringPattern const& set, std::vector<std::string> const& names)
+{
+    std::string found;
+    for (std::string const& name : names)
+        if (set.matches(name)) found += name + ' ';
+    return found;
+}
+
+TEST(BodyOrTablePattern, HasFiveNamesInAnyCase)
+{
+    EXPECT_EQ("body TABLE tr Th td ", matched(BodyOrTablePattern::instance(),
+                                              {"body", "TABLE", "tr", "Th", "td", "tbody", "t", "tables", "", "div"}));
+}
+
+TEST(ReplaceWithLF, HasEveryNameOfTwoLettersThatBeginsWithH)
+{
+    EXPECT_EQ("br P h1 H6 hr hX ", matched(ReplaceWithLF::instance(),
+                                           {"br", "P", "h1", "H6", "hr", "hX", "h", "h10", "pre", "bra", "th", ""}));
+}
+
 } // namespace
 } // namespace Velmara
