@@ -63,11 +63,28 @@ bool DecodeMediaIn::decodeLine()
     return true;
 }
 
-int DecodeMediaIn::read(uchar_t* bytes, uint_t n)
+/// Decodes until `n` bytes are pending; how many of them there are.
+uint_t DecodeMediaIn::decodeUpTo(uint_t n)
 {
-    if (!bytes || atEnd()) return 0;
+    if (atEnd()) return 0;
     while (m_pending.length() < n)
         if (!decodeLine()) n = m_pending.length();
+    return n;
+}
+
+int DecodeMediaIn::read(Buffer& block, uint_t n)
+{
+    n = decodeUpTo(n != 0 ? n : block.size());
+    block.length(0);
+    block.append(m_pending.data(), n);
+    m_pending.shiftLeft(n);
+    return static_cast<int>(block.length());
+}
+
+int DecodeMediaIn::read(uchar_t* bytes, uint_t n)
+{
+    if (!bytes) return 0;
+    n = decodeUpTo(n);
     if (n != 0) std::memcpy(bytes, m_pending.data(), n);
     m_pending.shiftLeft(n);
     return static_cast<int>(n);

@@ -16,8 +16,7 @@ namespace Velmara {
 /// Nobody else may read the source meanwhile. Exceptions of source and decoder pass through.
 ///
 /// Limits: a line of decoded text is given whole, however long it is and whatever the capacity of the
-/// buffer. Those block reads that the base builds on `readline` so may give more than was asked for;
-/// the byte form of `read` gives what was asked for, in memory of that size.
+/// buffer. A block read gives what was asked for, in memory of that size.
 class VELMARA_EXPORT DecodeMediaIn : public MediaInImpl {
 public:
     /// Keeps both handles and attaches the decoder to a buffer of its own.
@@ -30,6 +29,8 @@ public:
     bool atEnd() const override;
     int peek() const override;
     void readline(Buffer& line) override;
+    /// Not built on `readline` as in the base: a body may be a single line.
+    int read(Buffer& block, uint_t n) override;
     int read(uchar_t* bytes, uint_t n) override;
     void setpos(unsigned long position) override;
     void write(MediaOut& out) override;
@@ -40,6 +41,7 @@ private:
     class Decoded;
 
     bool decodeLine();
+    uint_t decodeUpTo(uint_t n);
     void passOn(MediaOut& out);
 
     MediaIn m_source;

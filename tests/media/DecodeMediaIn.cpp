@@ -28,6 +28,15 @@ string _line(MediaIn& in)
     return string(reinterpret_cast<char const*>(line.data()), line.length());
 }
 
+/// By the form of `read` that fills a Buffer.
+string _filled(MediaIn& in, unsigned n, int capacity = 0)
+{
+    Buffer block(capacity, 0);
+    block.append('x'); // does not stay
+    int const got = in.read(block, n);
+    return string(reinterpret_cast<char const*>(block.data()), static_cast<size_t>(got));
+}
+
 string _written(MediaIn& in)
 {
     Collected out;
@@ -94,6 +103,23 @@ TEST(DecodeMediaIn, ALongLineIsGivenWhole)
     }
     MediaIn in = _decoded(text + "\r\nCg==\r\n");
     EXPECT_EQ(decoded + "\n", _line(in));
+}
+
+TEST(DecodeMediaIn, ABlockReadIntoABufferGivesNoMoreThanWasAskedFor)
+{
+    MediaIn in = _decoded("YWJj\nZGVm\nCmdo\n"); // "abc", "def", LF "gh"
+    EXPECT_EQ("ab", _filled(in, 2));
+    EXPECT_EQ("cde", _filled(in, 3)) << "from two lines of the source";
+    EXPECT_EQ("f\n", _line(in));
+    EXPECT_EQ("gh", _filled(in, 100));
+    EXPECT_TRUE(in.atEnd());
+    EXPECT_EQ("", _filled(in, 100));
+}
+
+TEST(DecodeMediaIn, ABlockReadOfNoBytesReadsUpToTheCapacity)
+{
+    MediaIn in = _decoded("YWJj\nZGVm\n");
+    EXPECT_EQ("abcd", _filled(in, 0, 4));
 }
 
 TEST(DecodeMediaIn, AnEmptySource)
