@@ -50,12 +50,14 @@ void BlockMediaInImpl::readline(Buffer& line)
 {
     line.length(0);
     if (line.size() == 0) line.size(_lineSize);
-    while (line.length() < line.size() && more()) {
-        size_t const most = std::min<size_t>(left(), line.size() - line.length());
+    // Counted here: a buffer whose `maxSize` is smaller than its capacity never gets full.
+    for (size_t wanted = line.size(); wanted > 0 && more();) {
+        size_t const most = std::min(left(), wanted);
         void const* lineFeed = std::memchr(m_at, '\n', most);
         size_t const n = lineFeed ? static_cast<size_t>(static_cast<unsigned char const*>(lineFeed) - m_at) + 1 : most;
         line.append(take(n), static_cast<unsigned int>(n));
         if (lineFeed) return;
+        wanted -= n;
     }
 }
 
@@ -63,9 +65,10 @@ int BlockMediaInImpl::read(Buffer& block, uint_t n)
 {
     if (n == 0) n = block.size();
     block.length(0);
-    while (block.length() < n && more()) {
-        size_t const piece = std::min<size_t>(left(), n - block.length());
+    for (size_t wanted = n; wanted > 0 && more();) { // counted as in readline
+        size_t const piece = std::min(left(), wanted);
         block.append(take(piece), static_cast<unsigned int>(piece));
+        wanted -= piece;
     }
     return static_cast<int>(block.length());
 }

@@ -40,7 +40,8 @@ void MediaInImpl::readline(Buffer& line)
     line.length(0);
     if (line.size() == 0) line.size(_lineSize);
     uchar_t byte = 0;
-    while (line.length() < line.size() && read(&byte, 1) == 1) {
+    // Counted here: a buffer whose `maxSize` is smaller than its capacity never gets full.
+    for (unsigned int wanted = line.size(); wanted > 0 && read(&byte, 1) == 1; --wanted) {
         line.append(byte);
         if (byte == '\n') return;
     }

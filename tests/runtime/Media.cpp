@@ -168,6 +168,24 @@ TEST_P(AnyMediaIn, BlockReadOfZeroReadsUpToTheCapacity)
     EXPECT_EQ("abcd", _text(block));
 }
 
+TEST_P(AnyMediaIn, BufferThatCannotGetFullTakesNoMoreThanWasAskedFor)
+{
+    MediaIn in = open("abcdefghijklmnopqrst");
+    Buffer limited(6, 0);
+    limited.maxSize(4);
+    in.readline(limited);
+    EXPECT_EQ("abcd", _text(limited));
+    EXPECT_EQ(4, in.read(limited, 8));
+    EXPECT_EQ("ghij", _text(limited));
+    char bytes[2];
+    Buffer foreign(bytes, sizeof bytes, false);
+    EXPECT_EQ(2, in.read(foreign, 3));
+    EXPECT_EQ("op", _text(foreign));
+    std::string rest;
+    EXPECT_EQ(3, in.read(rest));
+    EXPECT_EQ("rst", rest);
+}
+
 TEST_P(AnyMediaIn, WithoutACountTheRestIsRead)
 {
     std::string const bytes = "first\n" + std::string(200000, 'x') + "\nlast";
