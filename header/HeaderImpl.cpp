@@ -120,6 +120,17 @@ void Header::assignValue(Header const& other)
     create(other.value());
 }
 
+void Header::assignNameAndValue(Header const& other)
+{
+    if (get() == other.get()) return;
+    release();
+    if (other.isNull()) return;
+    std::unique_ptr<HeaderImpl> made(newImpl());
+    made->type(other.type());
+    made->value(other.value());
+    TypeAndValue::operator=(TypeAndValue(made.release(), false));
+}
+
 MediaOut& operator<<(MediaOut& out, Header const& header)
 {
     return out << header.asString();

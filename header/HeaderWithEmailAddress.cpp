@@ -28,10 +28,52 @@ std::list<EmailAddress> const& HeaderWithEmailAddressListBaseImpl::addresses() c
     return m_addresses;
 }
 
+HeaderWithEmailAddressBase::HeaderWithEmailAddressBase(std::string const& value)
+{
+    if (!value.empty()) create(value);
+}
+
+HeaderWithEmailAddressBase::HeaderWithEmailAddressBase(Header const& other)
+{
+    assignNameAndValue(other);
+}
+
+HeaderImpl* HeaderWithEmailAddressBase::newImpl()
+{
+    return new HeaderWithEmailAddressBaseImpl;
+}
+
+Header& HeaderWithEmailAddressBase::operator=(Header const& other)
+{
+    assignNameAndValue(other);
+    return *this;
+}
+
 EmailAddress const& HeaderWithEmailAddressBase::address() const
 {
     if (isNull()) throw HeaderException(__LINE__, "HeaderTemplate");
     return implementation<HeaderWithEmailAddressBaseImpl>().address();
+}
+
+HeaderWithEmailAddressListBase::HeaderWithEmailAddressListBase(std::string const& value)
+{
+    if (!value.empty()) create(value);
+}
+
+HeaderWithEmailAddressListBase::HeaderWithEmailAddressListBase(Header const& other)
+{
+    assignNameAndValue(other);
+}
+
+HeaderImpl* HeaderWithEmailAddressListBase::newImpl()
+{
+    return new HeaderWithEmailAddressListBaseImpl;
+}
+
+Header& HeaderWithEmailAddressListBase::operator=(Header const& other)
+{
+    assignNameAndValue(other);
+    return *this;
 }
 
 std::list<EmailAddress> const& HeaderWithEmailAddressListBase::addresses() const

@@ -30,6 +30,27 @@ std::list<Uri> const& Rfc2369ListHeaderBaseImpl::uris() const
     return m_uris;
 }
 
+Rfc2369ListHeaderBase::Rfc2369ListHeaderBase(std::string const& value)
+{
+    if (!value.empty()) create(value);
+}
+
+Rfc2369ListHeaderBase::Rfc2369ListHeaderBase(Header const& other)
+{
+    assignNameAndValue(other);
+}
+
+HeaderImpl* Rfc2369ListHeaderBase::newImpl()
+{
+    return new Rfc2369ListHeaderBaseImpl;
+}
+
+Header& Rfc2369ListHeaderBase::operator=(Header const& other)
+{
+    assignNameAndValue(other);
+    return *this;
+}
+
 std::list<Uri> const& Rfc2369ListHeaderBase::uris() const
 {
     if (isNull()) throw HeaderException(__LINE__, "HeaderTemplate");

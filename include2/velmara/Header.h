@@ -67,6 +67,9 @@ protected:
     /// its text. A null header makes this one null; another name throws Exception "assign" (code 2)
     /// and leaves it null.
     void assignValue(Header const& other);
+    /// Takes the name and the value of any header, to be read again from its text: what the other points
+    /// at may be of another class. A null header makes this one null.
+    void assignNameAndValue(Header const& other);
 
     /// The implementation, which must be there and be of that class.
     template <class Impl> Impl const& implementation() const { return static_cast<Impl const&>(*get()); }

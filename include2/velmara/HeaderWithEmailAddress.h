@@ -53,23 +53,33 @@ private:
 /// The accessor of the headers of one address.
 class VELMARA_EXPORT HeaderWithEmailAddressBase : public Header {
 public:
-    using Header::operator=;
+    /// A null handle.
+    HeaderWithEmailAddressBase() = default;
+    /// Without a name. An empty value leaves the handle null.
+    HeaderWithEmailAddressBase(std::string const& value);
+    /// By itself it has no name of its own, so it keeps that of whichever header it is given.
+    HeaderWithEmailAddressBase(Header const& other);
+    HeaderImpl* newImpl() override;
+    Header& operator=(Header const& other) override;
+
     /// The first address of the value; null without one.
     EmailAddress const& address() const;
-
-protected:
-    HeaderWithEmailAddressBase() = default;
 };
 
 /// The accessor of the headers of any number of addresses.
 class VELMARA_EXPORT HeaderWithEmailAddressListBase : public Header {
 public:
-    using Header::operator=;
+    /// A null handle.
+    HeaderWithEmailAddressListBase() = default;
+    /// Without a name. An empty value leaves the handle null.
+    HeaderWithEmailAddressListBase(std::string const& value);
+    /// By itself it has no name of its own, so it keeps that of whichever header it is given.
+    HeaderWithEmailAddressListBase(Header const& other);
+    HeaderImpl* newImpl() override;
+    Header& operator=(Header const& other) override;
+
     /// In their order, groups flattened.
     std::list<EmailAddress> const& addresses() const;
-
-protected:
-    HeaderWithEmailAddressListBase() = default;
 };
 
 /// An implementation that differs from others of its kind by its name alone.

@@ -34,15 +34,20 @@ private:
 /// it throws HeaderException (code 1).
 class VELMARA_EXPORT Rfc2369ListHeaderBase : public Header {
 public:
-    using Header::operator=;
+    /// A null handle.
+    Rfc2369ListHeaderBase() = default;
+    /// Without a name. An empty value leaves the handle null.
+    Rfc2369ListHeaderBase(std::string const& value);
+    /// By itself it has no name of its own, so it keeps that of whichever header it is given.
+    Rfc2369ListHeaderBase(Header const& other);
+    HeaderImpl* newImpl() override;
+    Header& operator=(Header const& other) override;
+
     /// What a UriSniffer finds between each "<" and the next ">", in their order; other text is ignored.
     ///
     /// Limits: each call, through whichever copy, reads the value again and appends the same URIs to the
     /// same list. Ask once.
     std::list<Uri> const& uris() const;
-
-protected:
-    Rfc2369ListHeaderBase() = default;
 };
 
 /// A header of URIs, with the name that the function gives.

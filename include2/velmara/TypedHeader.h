@@ -40,7 +40,7 @@ private:
 /// An assignment from the same class shares the implementation (it is the class's own copy assignment);
 /// one from any other header takes the value and reads it anew. The constructor of `Impl` sets the name.
 /// Headers that differ by their name alone have their accessors in a class `Base` between Header and
-/// this one, which says `using Header::operator=;` too.
+/// this one.
 template <class Handle, class Impl, class Base = Header> class VELMARA_EXPORT TypedHeader : public Base {
 public:
     /// The class-wide name, also of a null handle.

@@ -214,6 +214,32 @@ TEST(InReplyTo, AnExceptionCountsAsFalse)
     EXPECT_FALSE(inReplyToDomainMatch(null, EmailAddress("y@a.example")));
 }
 
+TEST(AddressHeaders, TheirBaseReadsAHeaderOfAnyName)
+{
+    HeaderWithEmailAddressBase sender(HeaderFrom("j@a.example"));
+    EXPECT_EQ("j@a.example", sender.address().address());
+    sender = Header("Sender", "k@b.example");
+    EXPECT_EQ("Sender: k@b.example", sender.asString());
+    EXPECT_EQ("k@b.example", sender.address().address());
+    EXPECT_EQ("j@a.example", HeaderWithEmailAddressBase("j@a.example").address().address());
+
+    HeaderWithEmailAddressListBase recipients(Header("Bcc", "j@a.example, k@b.example"));
+    EXPECT_EQ((Texts{"j@a.example", "k@b.example"}), textsOf(recipients.addresses()));
+    recipients = Header();
+    EXPECT_TRUE(recipients.isNull());
+
+    Rfc2369ListHeaderBase list(HeaderListHelp("<http://a.example/>"));
+    list = Header("List-Other", "<http://b.example/>");
+    EXPECT_EQ(Texts{"http://b.example/"}, textsOf(list.uris()));
+}
+
+TEST(AddressHeaders, TheirBaseIsNullAtFirst)
+{
+    EXPECT_THROW(HeaderWithEmailAddressBase().address(), HeaderException);
+    EXPECT_THROW(HeaderWithEmailAddressListBase("").addresses(), HeaderException);
+    EXPECT_THROW(Rfc2369ListHeaderBase(Header()).uris(), HeaderException);
+}
+
 template <class Call> std::string fileOf(Call call)
 {
     try {
