@@ -78,6 +78,41 @@ TEST(CRLFConvertor, ABlockReadKeepsTheRestOfItsLinesForTheNext)
     EXPECT_EQ("", _block(in, 100));
 }
 
+/// What reads into a buffer deliver, `n` bytes at a time.
+Pieces _blocksOf(MediaIn& in, unsigned n)
+{
+    Pieces pieces;
+    Buffer block;
+    while (in.read(block, n) != 0) pieces.emplace_back(reinterpret_cast<char const*>(block.data()), block.length());
+    return pieces;
+}
+
+TEST(CRLFConvertor, ABlockReadIntoABufferCutsNoLineOfTheSource)
+{
+    BufferMediaIn source(string("abcd\nefgh\nij")), again(string("Subject: x\n y\n\nbody\n"));
+    CRLFConvertor in(source, CRLFConvertor::ToCRLF);
+    EXPECT_EQ((Pieces{"abcd\r\nef", "gh\r\nij\r\n"}), _blocksOf(in, 8));
+    MailHeaderMedia header(again);
+    EXPECT_EQ((Pieces{"Subj", "ect:", " x\n ", "y\n"}), _blocksOf(header, 4));
+}
+
+TEST(CRLFConvertor, AllBlockReadsShareTheBytesThatWait)
+{
+    BufferMediaIn source(string("abcd\nefgh\n")), again(string("abcd\nefgh\n"));
+    CRLFConvertor in(source, CRLFConvertor::ToCRLF), second(again, CRLFConvertor::ToCRLF);
+    EXPECT_EQ("a", _block(in, 1));
+    Buffer block(3, 0);
+    EXPECT_EQ(3, in.read(block, 0)) << "0 stands for the capacity";
+    EXPECT_EQ("bcd", string(reinterpret_cast<char const*>(block.data()), block.length()));
+    EXPECT_EQ(8, in.read(block));
+    EXPECT_EQ("\r\nefgh\r\n", string(reinterpret_cast<char const*>(block.data()), block.length()));
+    EXPECT_EQ("a", _block(second, 1));
+    string all;
+    EXPECT_EQ(11, second.read(all));
+    EXPECT_EQ("bcd\r\nefgh\r\n", all);
+    EXPECT_EQ("", _block(in, 1) + _block(second, 1));
+}
+
 TEST(CRLFConvertor, ALineReadSkipsWhatABlockReadHasKept)
 {
     BufferMediaIn source(string("abcd\nefgh\n"));
