@@ -59,8 +59,8 @@ MediaIn MimePart::body(bool)
 
 MimePart::AttributeMap const& MimePart::attributeMap() const
 {
-    static AttributeMap const none;
-    return m_attributes ? *m_attributes : none;
+    if (!m_attributes) m_attributes = std::make_unique<AttributeMap>();
+    return *m_attributes;
 }
 
 void MimePart::attributeMap(AttributeMap const& attributes)
@@ -75,14 +75,15 @@ void MimePart::setAttr(Ref<MPartAttribute> const& attribute)
 
 Ref<MPartAttribute>& MimePart::attributeSlot(MPartAttribute::Type type)
 {
-    if (!m_attributes) m_attributes = std::make_unique<AttributeMap>();
+    attributeMap(); // makes the map
     return (*m_attributes)[type];
 }
 
 MPartAttribute* MimePart::findAttr(MPartAttribute::Type type) const
 {
-    auto const found = attributeMap().find(type);
-    return found == attributeMap().end() ? nullptr : found->second.get();
+    if (!m_attributes) return nullptr; // most parts never have one
+    auto const found = m_attributes->find(type);
+    return found == m_attributes->end() ? nullptr : found->second.get();
 }
 
 MimeRfc822Msg::MimeRfc822Msg(HeaderContainer const& headers, Rfc822MsgParser*, MediaIn& source, MediaIn& body)

@@ -63,7 +63,7 @@ public:
     unsigned long blen() const { return m_blen; }
     void blen(unsigned long length) { m_blen = length; }
 
-    /// What is attached to the part.
+    /// What is attached to the part, now and later: the reference holds as long as the part.
     AttributeMap const& attributeMap() const;
     /// Takes over each entry; others stay.
     void attributeMap(AttributeMap const& attributes);
@@ -83,7 +83,7 @@ private:
 
     MediaIn m_source;
     HeaderContainer m_headers;
-    std::unique_ptr<AttributeMap> m_attributes; // null until the first is set
+    mutable std::unique_ptr<AttributeMap> m_attributes; // null until somebody asks or sets one
     unsigned long m_sourcePosition = 0;
     unsigned long m_hlen = 0;
     unsigned long m_blen = 0xFFFFFFFF;

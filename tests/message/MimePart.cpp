@@ -167,6 +167,16 @@ TEST(Attributes, AMapIsMergedIn)
     EXPECT_TRUE(part.findAttr(MPartAttribute::TypeTD));
 }
 
+TEST(Attributes, AMapThatWasAskedForEarlyShowsWhatComesLater)
+{
+    MimePreamble part{MediaIn()};
+    MimePart::AttributeMap const& map = part.attributeMap();
+    EXPECT_TRUE(map.empty());
+    part.setAttr(attribute(3));
+    EXPECT_EQ(1u, map.size());
+    EXPECT_EQ(&map, &part.attributeMap());
+}
+
 TEST(Attributes, ANullOneIsRefused)
 {
     MimePreamble part{MediaIn()};
