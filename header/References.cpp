@@ -38,8 +38,7 @@ using Domains = std::set<std::string>;
 void _collect(HeaderWithEmailAddressListBase const& header, Domains& domains)
 {
     if (header.isNull()) return;
-    for (EmailAddress const& address : header.addresses())
-        if (!address.domain().empty()) domains.insert(address.domain());
+    for (EmailAddress const& address : header.addresses()) domains.insert(address.domain());
 }
 
 Domains _recipients(HeaderContainer const& headers)
@@ -52,7 +51,7 @@ Domains _recipients(HeaderContainer const& headers)
 
 bool _refersTo(HeaderContainer const& headers, Domains const& domains)
 {
-    auto const isOneOfThem = [&](EmailAddress const& id) { return domains.count(id.domain()) > 0; };
+    auto const isOneOfThem = [&](EmailAddress const& id) { return !id.isNull() && domains.count(id.domain()) > 0; };
     HeaderInReplyTo const inReplyTo(headers.find(inReplyToType()));
     if (!inReplyTo.isNull() && isOneOfThem(inReplyTo.address())) return true;
     References const references(headers.find(References::htype));
@@ -73,7 +72,7 @@ bool inReplyToDomainMatch(HeaderContainer const& headers)
 
 bool inReplyToDomainMatch(HeaderContainer const& headers, EmailAddress const& address)
 {
-    if (address.domain().empty()) return false;
+    if (address.isNull()) return false;
     try {
         return _refersTo(headers, {address.domain()});
     } catch (std::exception const&) {

@@ -50,7 +50,8 @@ private:
 /// True if a message replies to mail of the domains that it is addressed to: a domain of "To" or "Cc"
 /// stands in the Message-ID of "In-Reply-To" or of "References", letter by letter.
 ///
-/// What has no domain matches nothing. Any exception on the way counts as false.
+/// A bare word ("root") has the empty domain, which is one like others: the mail of hosts that use local
+/// names among themselves. Any exception on the way counts as false.
 VELMARA_EXPORT bool inReplyToDomainMatch(HeaderContainer const& headers);
 /// The same for the domain of this address, whatever the message is addressed to; false for null.
 VELMARA_EXPORT bool inReplyToDomainMatch(HeaderContainer const& headers, EmailAddress const& address);

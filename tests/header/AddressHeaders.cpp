@@ -192,7 +192,11 @@ INSTANTIATE_TEST_SUITE_P(
         Reply{"SenderDoesNotCount",
               {{"In-Reply-To", "<1@a.example>"}, {"From", "x@a.example"}, {"To", "y@b.example"}},
               false},
-        Reply{"NoDomainsMatchNothing", {{"In-Reply-To", "<1>"}, {"To", "root"}}, false}, Reply{"NoHeaders", {}, false}),
+        Reply{"EmptyDomainIsOneLikeOthers", {{"In-Reply-To", "<1>"}, {"To", "root"}}, true},
+        Reply{"EmptyDomainInReferences", {{"References", "<1@a.example> <1>"}, {"Cc", "root"}}, true},
+        Reply{"EmptyDomainIsNotAnyDomain", {{"In-Reply-To", "<1>"}, {"To", "x@a.example"}}, false},
+        Reply{"NullAddressHasNoDomain", {{"In-Reply-To", "<>"}, {"References", "<>"}, {"To", "root"}}, false},
+        Reply{"NoHeaders", {}, false}),
     [](auto const& row) { return std::string(row.param.rule); });
 
 TEST(InReplyTo, TellsAReplyByTheDomainOfAGivenAddress)
@@ -204,6 +208,8 @@ TEST(InReplyTo, TellsAReplyByTheDomainOfAGivenAddress)
     EXPECT_FALSE(inReplyToDomainMatch(headers, EmailAddress("y@b.example")));
     EXPECT_FALSE(inReplyToDomainMatch(headers, EmailAddress("y@A.example")));
     EXPECT_FALSE(inReplyToDomainMatch(headers, EmailAddress()));
+    EXPECT_FALSE(inReplyToDomainMatch(containerOf({{"In-Reply-To", "<>"}}), EmailAddress()));
+    EXPECT_TRUE(inReplyToDomainMatch(containerOf({{"In-Reply-To", "<1>"}}), EmailAddress("root")));
     EXPECT_FALSE(inReplyToDomainMatch(containerOf({}), EmailAddress("y@a.example")));
 }
 
