@@ -45,7 +45,7 @@ private:
 class VELMARA_EXPORT Response {
 public:
     /// The line may still carry its line end.
-    explicit Response(std::string const& line);
+    Response(std::string const& line);
     virtual ~Response();
 
     /// True if the class is known.

@@ -51,6 +51,13 @@ INSTANTIATE_TEST_SUITE_P(
                     Row{"FourDigitsAreNoCode", "250 2.1.1234 x", {2, 5, 0}, true, {2, 1, 123}}),
     [](auto const& row) { return std::string(row.param.rule); });
 
+TEST(Response, IsMadeFromALineWhereOneIsAskedFor)
+{
+    auto const isRefusal = [](Response const& response) { return response.classValue() == 5; };
+    EXPECT_TRUE(isRefusal(std::string("550 5.7.1 no")));
+    EXPECT_FALSE(isRefusal(std::string("250 ok")));
+}
+
 TEST(ResponseParser, IsTheExpressionOfTheWholeProcess)
 {
     std::vector<std::string> groups;
