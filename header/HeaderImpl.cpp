@@ -50,6 +50,18 @@ Header::Header(std::string const& name, std::string const& value) : TypeAndValue
 
 Header::~Header() = default;
 
+std::string const& Header::type() const
+{
+    if (isNull()) throw HeaderException(__LINE__);
+    return get()->type();
+}
+
+std::string const& Header::value() const
+{
+    if (isNull()) throw HeaderException(__LINE__);
+    return get()->value();
+}
+
 std::string const& Header::asString() const
 {
     if (isNull()) throw HeaderException(__LINE__);

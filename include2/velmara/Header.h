@@ -30,8 +30,8 @@ private:
 /// are made from a plain one on demand: `ContentType type(headers.find(ContentType::htype));`.
 ///
 /// Copies share the text and its caches. The caches are filled even through a const handle, so headers
-/// that share their text belong to one thread at a time. On a null handle `typeLowerCase`, `asString`
-/// and `unfolded` throw HeaderException (code 1).
+/// that share their text belong to one thread at a time. On a null handle whatever looks at the name
+/// or the value throws HeaderException (code 1); a null typed header still knows its class's name.
 class VELMARA_EXPORT Header : public TypeAndValue {
 public:
     /// A null handle.
@@ -41,6 +41,9 @@ public:
     Header(Header const&) = default;
     ~Header() override;
 
+    /// Name and value as they stand; nothing is trimmed or folded.
+    std::string const& type() const override;
+    std::string const& value() const;
     /// "Name: value", without a line end, as it was at the first call.
     virtual std::string const& asString() const;
     /// A new empty implementation of this class.

@@ -18,6 +18,8 @@
 #include <velmara/Rfc2369ListHeader.h>
 #include <velmara/StringOperations.h>
 
+#include "support/Refusals.h"
+
 namespace Velmara {
 namespace {
 
@@ -66,6 +68,7 @@ TYPED_TEST(TypedHeaders, OfAMissingHeaderAreNull)
     HeaderContainer const headers;
     TypeParam header(headers.find(TypeParam::htype));
     EXPECT_TRUE(header.isNull());
+    lineOfRefusal([&] { header.value(); });
 }
 
 TYPED_TEST(TypedHeaders, AreNullAfterAnAssignmentFromANullHeader)
