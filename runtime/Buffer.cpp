@@ -133,9 +133,9 @@ unsigned int Buffer::roomFor(unsigned int n)
 void Buffer::makeRoom(unsigned int length)
 {
     if (length > m_size) m_size = m_owned ? grown(length) : m_room;
-    if (length > m_room - m_start) {
+    if (length > m_room - m_start || m_size > m_room) { // a capacity that is not there would mislead callers
         // The room doubles even where callers asked for small steps of the capacity.
-        bool const moveFits = length <= m_room && (m_start >= m_length || !m_owned);
+        bool const moveFits = std::max(length, m_size) <= m_room && (m_start >= m_length || !m_owned);
         auto const doubled = static_cast<unsigned int>(std::min<unsigned long>(2ul * m_room, _longest));
         relocate(moveFits ? m_room : std::max(m_size, doubled));
     }

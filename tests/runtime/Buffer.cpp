@@ -241,6 +241,16 @@ TEST(Buffer, FillCoversTheCapacityAndKeepsTheLength)
     EXPECT_EQ(0u, none.size());
 }
 
+TEST(Buffer, TheCapacityIsThereAlsoWhereItGrewBackPastTheRoomItOnceHad)
+{
+    Buffer buffer(100, 0);
+    buffer.size(60);
+    for (int i = 0; i < 61; ++i) buffer.append('a');
+    ASSERT_EQ(120u, buffer.size());
+    buffer.fill('z');
+    EXPECT_EQ(std::string(120, 'z'), std::string(reinterpret_cast<char const*>(buffer.data()), buffer.size()));
+}
+
 TEST(Buffer, ShiftLeftDropsFromTheFrontAndKeepsTheCapacity)
 {
     Buffer buffer(10, 0);
