@@ -54,7 +54,8 @@ public:
     virtual bool operator==(Header const& other) const;
     using TypeAndValue::operator==;
 
-    /// The same as the assignment of the object's class.
+    /// What assignment does, by the object's type() and newImpl(): a class that overrides these two can
+    /// build its assignment and its constructor from a header on this.
     void assign(Header const& other);
 
     /// The name in lower case, made once and kept with the implementation.

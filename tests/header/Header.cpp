@@ -102,6 +102,72 @@ TEST(Header, AssignmentToItselfChangesNothing)
     EXPECT_EQ("1", header.value());
 }
 
+class PriorityImpl : public HeaderImpl {
+public:
+    PriorityImpl() { type("X-Priority"); }
+};
+
+/// Written in the plain way, outside of the library.
+class Priority : public Header {
+public:
+    Priority() = default;
+    Priority(Header const& other) { assign(other); }
+    Priority(Priority const&) = default;
+    std::string const& type() const override
+    {
+        static std::string const name("X-Priority");
+        return name;
+    }
+    HeaderImpl* newImpl() override { return new PriorityImpl; }
+    Header& operator=(Header const& other) override
+    {
+        assign(other);
+        return *this;
+    }
+    virtual Priority& operator=(Priority const& other)
+    {
+        assign(other);
+        return *this;
+    }
+};
+
+TEST(Header, ClassesCanBuildTheirAssignmentOnAssign)
+{
+    Header const plain("x-priority", "1");
+    Priority made(plain), assigned;
+    assigned = made;
+    Header& base = made;
+    base = Header("X-PRIORITY", "2");
+    EXPECT_EQ("X-Priority: 2", made.asString());
+    EXPECT_EQ("X-Priority: 1", Header(assigned).asString()); // the name of its class
+    EXPECT_NE(&plain.value(), &assigned.value());
+
+    EXPECT_THROW(base = Header("Subject", "x"), Exception);
+    EXPECT_TRUE(made.isNull());
+    assigned.assign(Header());
+    EXPECT_TRUE(assigned.isNull());
+}
+
+/// One that takes the accessors of a header and leaves the rest.
+class Named : public Header {
+public:
+    using Header::operator=;
+    std::string const& type() const override
+    {
+        static std::string const name("X-Named");
+        return name;
+    }
+};
+
+TEST(Header, AssignHeedsTheNameOfAClassWithoutAnAssignment)
+{
+    Named header;
+    header.assign(Header("x-named", "v"));
+    EXPECT_EQ("X-Named: v", header.asString());
+    EXPECT_THROW(header.assign(Header("Subject", "x")), Exception);
+    EXPECT_TRUE(header.isNull());
+}
+
 TEST(Header, NewImplementationIsEmpty)
 {
     Ref<TypeAndValueImpl> made(Header("A", "1").newImpl(), false);
