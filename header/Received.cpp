@@ -101,7 +101,8 @@ private:
     std::string m_name; // empty where a comment stands for it
 };
 
-/// The address that stands alone in a slice, with or without the tag of address literals.
+} // namespace
+
 IPAddress s_extractIPAddress(std::string const& value, unsigned long start, unsigned long end)
 {
     std::string text(trimmed(value.substr(start, end - start)));
@@ -109,8 +110,6 @@ IPAddress s_extractIPAddress(std::string const& value, unsigned long start, unsi
     if (stringCompareNoCase(text, tag, static_cast<unsigned int>(tag.size()))) text.erase(0, tag.size());
     return IPAddress(text);
 }
-
-} // namespace
 
 ReceivedImpl::ReceivedImpl()
 {

@@ -93,4 +93,9 @@ private:
     mutable std::string m_by; // cache, empty until found
 };
 
+/// The address that stands from `start` up to `end`, alone but for white space around it and the tag
+/// "IPv6:" of address literals ahead of it; null for any other text. A start behind the end of the
+/// value throws std::out_of_range.
+VELMARA_EXPORT IPAddress s_extractIPAddress(std::string const& value, unsigned long start, unsigned long end);
+
 } // namespace Velmara

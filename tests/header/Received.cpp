@@ -4,6 +4,7 @@
 
 #include <random>
 #include <set>
+#include <stdexcept>
 
 #include <velmara/Exception.h>
 
@@ -170,6 +171,22 @@ template <class Call> int lineOf(Call call)
     }
     ADD_FAILURE();
     return 0;
+}
+
+TEST(Received, SliceHoldsAnAddressOnlyIfItHoldsNothingElse)
+{
+    std::string const value = "[ iPv6:2001:db8::1\t] [IPv6:] (192.0.2.1:25) 192.0.2.1";
+    auto const between = [&](char const* begin, char const* end) {
+        size_t const start = value.find(begin) + 1;
+        return s_extractIPAddress(value, start, value.find(end, start)).asString(true);
+    };
+    EXPECT_EQ("2001:db8::1", between("[", "]"));
+    EXPECT_EQ("", between("[I", "]")); // nothing behind the tag
+    EXPECT_EQ("", between("(", ")"));  // a port
+    EXPECT_EQ("192.0.2.1", between(") ", "\n"));
+    EXPECT_TRUE(s_extractIPAddress(value, 0, value.find(']') + 1).isNull()); // brackets
+    EXPECT_TRUE(s_extractIPAddress(value, value.size(), value.size()).isNull());
+    EXPECT_THROW(s_extractIPAddress(value, value.size() + 1, value.size() + 2), std::out_of_range);
 }
 
 TEST(Received, EachAccessorOfANullHandleThrowsAtItsOwnLine)
