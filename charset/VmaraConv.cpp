@@ -32,7 +32,7 @@ template <class Enough> void _writeParts(VmaraConvImpl& converter, char const* d
 VmaraConv::VmaraConv() = default;
 
 VmaraConv::VmaraConv(MediaOut const& out, std::string const& from, std::string const& to, bool force)
-    : MediaOut(new VmaraConvImpl(out, from, to, force), false)
+    : MediaOutDecorator(new VmaraConvImpl(out, from, to, force), false)
 {}
 
 VmaraConv::~VmaraConv() = default;

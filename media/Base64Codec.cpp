@@ -163,10 +163,10 @@ CodecBase64Impl& _implOf(CodecBase64 const& codec, unsigned int line)
 
 } // namespace
 
-CodecBase64::CodecBase64() : MediaOut(new CodecBase64Impl, false)
+CodecBase64::CodecBase64() : MediaOutDecorator(new CodecBase64Impl, false)
 {}
 
-CodecBase64::CodecBase64(MediaOut const& out) : MediaOut(new CodecBase64Impl(out), false)
+CodecBase64::CodecBase64(MediaOut const& out) : MediaOutDecorator(new CodecBase64Impl(out), false)
 {}
 
 void CodecBase64::strict(bool on)

@@ -23,7 +23,7 @@ private:
 
 } // namespace
 
-Base64MediaOut::Base64MediaOut(MediaOut const& out) : MediaOut(new Base64MediaOutImpl(out), false)
+Base64MediaOut::Base64MediaOut(MediaOut const& out) : MediaOutDecorator(new Base64MediaOutImpl(out), false)
 {}
 
 } // namespace Velmara

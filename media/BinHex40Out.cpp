@@ -155,7 +155,7 @@ void BinHex40OutImpl::writeFile()
 
 } // namespace
 
-BinHex40Out::BinHex40Out(MediaOut const& out) : MediaOut(new BinHex40OutImpl(out), false)
+BinHex40Out::BinHex40Out(MediaOut const& out) : MediaOutDecorator(new BinHex40OutImpl(out), false)
 {}
 
 } // namespace Velmara

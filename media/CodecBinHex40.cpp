@@ -233,10 +233,10 @@ void CodecBinHex40Impl::endWrite()
     if (m_state == InDataFork) flush();
 }
 
-CodecBinHex40::CodecBinHex40() : MediaOut(new CodecBinHex40Impl, false)
+CodecBinHex40::CodecBinHex40() : MediaOutDecorator(new CodecBinHex40Impl, false)
 {}
 
-CodecBinHex40::CodecBinHex40(MediaOut const& out) : MediaOut(new CodecBinHex40Impl(out), false)
+CodecBinHex40::CodecBinHex40(MediaOut const& out) : MediaOutDecorator(new CodecBinHex40Impl(out), false)
 {}
 
 } // namespace Velmara

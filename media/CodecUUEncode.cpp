@@ -75,10 +75,10 @@ void CodecUUEncodeImpl::writeBodyLine(uchar_t const* line, uint_t n)
     if (decoded != 0) downstream().write(bytes, decoded);
 }
 
-CodecUUEncode::CodecUUEncode() : MediaOut(new CodecUUEncodeImpl, false)
+CodecUUEncode::CodecUUEncode() : MediaOutDecorator(new CodecUUEncodeImpl, false)
 {}
 
-CodecUUEncode::CodecUUEncode(MediaOut const& out) : MediaOut(new CodecUUEncodeImpl(out), false)
+CodecUUEncode::CodecUUEncode(MediaOut const& out) : MediaOutDecorator(new CodecUUEncodeImpl(out), false)
 {}
 
 } // namespace Velmara

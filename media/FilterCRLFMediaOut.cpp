@@ -79,18 +79,18 @@ void FilterLFCRLFMediaOutImpl::writeLine(uchar_t const* bytes, uint_t start, uin
     downstream().write(_crLf, sizeof _crLf);
 }
 
-FilterCRLFMediaOut::FilterCRLFMediaOut() : MediaOut(new FilterCRLFMediaOutImpl, false)
+FilterCRLFMediaOut::FilterCRLFMediaOut() : MediaOutDecorator(new FilterCRLFMediaOutImpl, false)
 {}
 
 FilterCRLFMediaOut::FilterCRLFMediaOut(MediaOut const& downstream)
-    : MediaOut(new FilterCRLFMediaOutImpl(downstream), false)
+    : MediaOutDecorator(new FilterCRLFMediaOutImpl(downstream), false)
 {}
 
-FilterLFCRLFMediaOut::FilterLFCRLFMediaOut() : MediaOut(new FilterLFCRLFMediaOutImpl, false)
+FilterLFCRLFMediaOut::FilterLFCRLFMediaOut() : MediaOutDecorator(new FilterLFCRLFMediaOutImpl, false)
 {}
 
 FilterLFCRLFMediaOut::FilterLFCRLFMediaOut(MediaOut const& downstream)
-    : MediaOut(new FilterLFCRLFMediaOutImpl(downstream), false)
+    : MediaOutDecorator(new FilterLFCRLFMediaOutImpl(downstream), false)
 {}
 
 } // namespace Velmara

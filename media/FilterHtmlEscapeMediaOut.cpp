@@ -211,11 +211,11 @@ void FilterHtmlEscapeMediaOutImpl::detach()
     MediaOutDecoratorImpl::detach();
 }
 
-FilterHtmlEscapeMediaOut::FilterHtmlEscapeMediaOut() : MediaOut(new FilterHtmlEscapeMediaOutImpl, false)
+FilterHtmlEscapeMediaOut::FilterHtmlEscapeMediaOut() : MediaOutDecorator(new FilterHtmlEscapeMediaOutImpl, false)
 {}
 
 FilterHtmlEscapeMediaOut::FilterHtmlEscapeMediaOut(MediaOut const& downstream)
-    : MediaOut(new FilterHtmlEscapeMediaOutImpl(downstream), false)
+    : MediaOutDecorator(new FilterHtmlEscapeMediaOutImpl(downstream), false)
 {}
 
 } // namespace Velmara

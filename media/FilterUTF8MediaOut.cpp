@@ -47,11 +47,11 @@ void FilterUTF8MediaOutImpl::characterSet(std::string const& name)
     MediaOutDecoratorImpl::characterSet(name);
 }
 
-FilterUTF8MediaOut::FilterUTF8MediaOut() : MediaOut(new FilterUTF8MediaOutImpl, false)
+FilterUTF8MediaOut::FilterUTF8MediaOut() : MediaOutDecorator(new FilterUTF8MediaOutImpl, false)
 {}
 
 FilterUTF8MediaOut::FilterUTF8MediaOut(MediaOut const& downstream)
-    : MediaOut(new FilterUTF8MediaOutImpl(downstream), false)
+    : MediaOutDecorator(new FilterUTF8MediaOutImpl(downstream), false)
 {}
 
 } // namespace Velmara

@@ -208,10 +208,11 @@ uchar_t* CodecQuotedPrintableImpl::workFor(size_t n)
     return m_work.get();
 }
 
-CodecQuotedPrintable::CodecQuotedPrintable() : MediaOut(new CodecQuotedPrintableImpl, false)
+CodecQuotedPrintable::CodecQuotedPrintable() : MediaOutDecorator(new CodecQuotedPrintableImpl, false)
 {}
 
-CodecQuotedPrintable::CodecQuotedPrintable(MediaOut const& out) : MediaOut(new CodecQuotedPrintableImpl(out), false)
+CodecQuotedPrintable::CodecQuotedPrintable(MediaOut const& out)
+    : MediaOutDecorator(new CodecQuotedPrintableImpl(out), false)
 {}
 
 } // namespace Velmara

@@ -85,7 +85,7 @@ void QuotedPrintableOutImpl::makeRoom(size_t characters)
     m_breakDue = false;
 }
 
-QuotedPrintableOut::QuotedPrintableOut(MediaOut const& out) : MediaOut(new QuotedPrintableOutImpl(out), false)
+QuotedPrintableOut::QuotedPrintableOut(MediaOut const& out) : MediaOutDecorator(new QuotedPrintableOutImpl(out), false)
 {}
 
 } // namespace Velmara

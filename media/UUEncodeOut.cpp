@@ -74,7 +74,7 @@ void UUEncodeOutImpl::appendLine(uchar_t const* bytes, uint_t n, std::string& te
     text += "\r\n";
 }
 
-UUEncodeOut::UUEncodeOut(MediaOut const& out) : MediaOut(new UUEncodeOutImpl(out), false)
+UUEncodeOut::UUEncodeOut(MediaOut const& out) : MediaOutDecorator(new UUEncodeOutImpl(out), false)
 {}
 
 } // namespace Velmara

@@ -1,5 +1,7 @@
 #include <velmara/MediaOut.h>
 
+#include <utility>
+
 namespace Velmara {
 
 MediaOutImpl::MediaOutImpl() = default;
@@ -118,8 +120,19 @@ void MediaOutDecoratorImpl::detach()
 }
 
 MediaOutDecorator::MediaOutDecorator() = default;
-MediaOutDecorator::MediaOutDecorator(MediaOutDecoratorImpl* impl, bool addRef) : MediaOut(impl, addRef)
-{}
+
+MediaOutDecorator::MediaOutDecorator(MediaOutDecoratorImpl* impl, bool addRef)
+{
+    if (impl && get() == impl) return; // a subclass gave it to MediaOut, too
+    Ref given(impl, addRef);
+    if (isNull()) Ref::operator=(std::move(given));
+}
+
+MediaOutDecorator::MediaOutDecorator(MediaOutDecorator const& other) : MediaOut(other)
+{
+    if (!holder) MediaOut::operator=(other);
+}
+
 MediaOutDecorator::~MediaOutDecorator() = default;
 
 MediaOutDecorator& MediaOutDecorator::operator=(MediaOutDecorator const& other)

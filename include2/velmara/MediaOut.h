@@ -85,14 +85,15 @@ private:
     MediaOut m_downstream; // null until attached
 };
 
-/// Handle on a decorator. MediaOut is a virtual base, so a subclass constructs it:
-/// `Filter::Filter() : MediaOut(new FilterImpl, false) {}`.
+/// Handle on a decorator, for a subclass `Filter::Filter() : MediaOutDecorator(new FilterImpl, false) {}`.
+/// MediaOut is a virtual base, which only the last subclass constructs. That one need not know of it: the
+/// constructors here give the handle its implementation if nobody else has.
 class VELMARA_EXPORT MediaOutDecorator : virtual public MediaOut {
 public:
     /// A null handle.
     MediaOutDecorator();
     MediaOutDecorator(MediaOutDecoratorImpl* impl, bool addRef);
-    MediaOutDecorator(MediaOutDecorator const&) = default;
+    MediaOutDecorator(MediaOutDecorator const& other);
     MediaOutDecorator& operator=(MediaOutDecorator const& other);
     ~MediaOutDecorator() override;
 

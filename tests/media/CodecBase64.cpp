@@ -80,6 +80,22 @@ INSTANTIATE_TEST_SUITE_P(
                     Row{"ABlockThatDecodesToNothingStillGivesUp", _lax, {"=*===", "QUJD"}, {"=====*===", "QUJD"}, 2}),
     ruleName);
 
+TEST(CodecBase64, AddsItsOperationsToASubclass)
+{
+    struct Counting : CodecBase64 {
+        explicit Counting(MediaOut const& out) : CodecBase64(out) {}
+        void end() override { ++ends; }
+        int ends = 0;
+    };
+    Collected out;
+    Counting codec(out.media());
+    MediaOut& media = codec;
+    media << string("QUJD");
+    media.end();
+    EXPECT_EQ(1, codec.status());
+    EXPECT_EQ(1, codec.ends);
+}
+
 TEST(CodecBase64, WellFormedTextDoesNotDependOnItsCuts)
 {
     string const text = "TWFu eSBo\r\nYW5kcyBt\tYWtlIG\nxpZ2h0IHdvcms\r\nu\r\nCg==\r\n";

@@ -554,6 +554,54 @@ TEST(MediaOutDecorator, IsMadeOfAnImplementation)
     EXPECT_EQ("x", recording->seen);
 }
 
+/// Subclasses that leave the virtual base to MediaOutDecorator, and one that does not.
+class Plain : public MediaOutDecorator {
+public:
+    explicit Plain(MediaOut const& out) : MediaOutDecorator(new PassImpl(out), false) {}
+    explicit Plain(MediaOutDecorator const& other) : MediaOutDecorator(other) {}
+};
+
+class Twice : public MediaOutDecorator {
+public:
+    explicit Twice(PassImpl* pass) : MediaOut(pass, false), MediaOutDecorator(pass, false) {}
+};
+
+TEST(MediaOutDecorator, GivesASubclassItsImplementation)
+{
+    auto* recording = new RecordingImpl;
+    Plain plain(MediaOut(recording, false));
+    plain << std::string("a");
+    Plain copy(static_cast<MediaOutDecorator const&>(plain));
+    copy << std::string("b");
+    EXPECT_EQ("ab", recording->seen);
+}
+
+TEST(MediaOutDecorator, TakesAnImplementationThatMediaOutHasOnce)
+{
+    auto* pass = new PassImpl;
+    Twice const twice(pass);
+    EXPECT_EQ(1, pass->count);
+}
+
+class Other : public Plain {
+public:
+    explicit Other(MediaOut const& out) : MediaOut(out), Plain(MediaOut()) {}
+};
+
+TEST(MediaOutDecorator, LeavesASubclassTheImplementationThatItChose)
+{
+    auto* recording = new RecordingImpl;
+    MediaOut const sink(recording, false);
+    Other const other(sink);
+    EXPECT_EQ(recording, other.get());
+}
+
+TEST(MediaOutDecorator, WithoutAnImplementationCannotShareIt)
+{
+    EXPECT_TRUE(MediaOutDecorator(nullptr, false).isNull());
+    EXPECT_THROW(MediaOutDecorator(nullptr, true), Exception);
+}
+
 TEST(MediaOutDecorator, PassesEndAndCharacterSetOn)
 {
     auto* recording = new RecordingImpl;
