@@ -17,8 +17,15 @@ typedef unsigned int ClassifierType;
 /// any thread.
 class VELMARA_EXPORT ClassifierNames : private NonCopyable {
 public:
-    /// Two categories are shown as "Clean"; only the first is no reason to call a message spam.
-    enum Category { CategoryClean = 0, CategorySession = 1, CategoryBulk = 2, CategoryVirus = 3, CategoryContent = 4 };
+    /// Two categories are shown as "Clean"; only the first is no reason to call a message spam. Numbers
+    /// that are none of these, as other versions may have stored them, can be asked about as well.
+    enum Category : int {
+        CategoryClean = 0,
+        CategorySession = 1,
+        CategoryBulk = 2,
+        CategoryVirus = 3,
+        CategoryContent = 4
+    };
 
     /// Classifiers have the numbers below this.
     static constexpr ClassifierType count = 75;

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <limits>
 #include <set>
 
 namespace Velmara {
@@ -135,7 +136,11 @@ TEST(ClassifierNames, NumbersBeyondTheTableAreNoneAndClean)
 
 TEST(ClassifierNames, AnUnknownCategoryIsCalledClean)
 {
-    EXPECT_EQ("Clean", ClassifierNames::instance().categoryName(static_cast<ClassifierNames::Category>(5)));
+    for (int number : {5, 7, 8, 99, -1, std::numeric_limits<int>::max()}) {
+        auto const category = static_cast<ClassifierNames::Category>(number);
+        EXPECT_EQ(number, int{category});
+        EXPECT_EQ("Clean", ClassifierNames::instance().categoryName(category)) << number;
+    }
 }
 
 TEST(ClassifierNames, FindMindsCaseAndGivesNotSpamOnAMiss)
