@@ -129,7 +129,13 @@ void TextHtmlDoc::characterSet(std::string const& name)
 void TextHtmlDoc::parse(MediaIn* in)
 {
     Buffer block(_blockSize, 0);
-    while (in->read(block, 0) > 0) m_html.append(block);
+    // The size is told, and the block alone tells the end: streams of callers know no more than that.
+    for (;;) {
+        block.length(0);
+        in->read(block, _blockSize);
+        if (block.isEmpty()) break;
+        m_html.append(block);
+    }
     end();
 }
 

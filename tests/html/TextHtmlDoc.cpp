@@ -332,6 +332,35 @@ TEST(TextHtmlDoc, ReadsAStreamToItsEnd)
     EXPECT_TRUE(in.atEnd());
 }
 
+/// Gives at most seven bytes a call, none where none are asked for, and an answer that means nothing.
+class SmallBlocks : public MediaInImpl {
+public:
+    explicit SmallBlocks(std::string const& text) : m_rest(text) {}
+    using MediaInImpl::read;
+    bool atEnd() const override { return m_rest.empty(); }
+    int peek() const override { return -1; }
+    int read(uchar_t*, uint_t) override { return 0; }
+    int read(Buffer& block, uint_t n) override
+    {
+        std::string const piece = m_rest.substr(0, n < 7 ? n : 7);
+        block.append(reinterpret_cast<uchar_t const*>(piece.data()), static_cast<uint_t>(piece.size()));
+        m_rest.erase(0, piece.size());
+        return 0;
+    }
+
+private:
+    std::string m_rest;
+};
+
+TEST(TextHtmlDoc, ReadsAStreamOfACallerUntilABlockIsEmpty)
+{
+    MediaIn in(new SmallBlocks("<p>more than one block</p>"), false);
+    TextHtmlDoc document(false);
+    document.parse(&in);
+    EXPECT_EQ("<p>more than one block</p>",
+              std::string(reinterpret_cast<char const*>(document.html().data()), document.html().length()));
+}
+
 TEST(TextHtmlDoc, Holds150000Bytes)
 {
     for (unsigned n : {149999u, 150000u, 150001u, 400000u}) {
