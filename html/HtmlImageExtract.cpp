@@ -118,8 +118,8 @@ void HtmlImageExtract::node(_xmlNode const* node)
 {
     if (HTML::isNamed(node, "p") || HTML::isNamed(node, "div"))
         calcTextLine(1, true);
-    else
-        ignore(node);
+    else if (HTML::isNamed(node, "br"))
+        calcTextLine(1, false);
 }
 
 void HtmlImageExtract::ignore(_xmlNode const* node)

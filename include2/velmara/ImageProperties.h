@@ -23,6 +23,8 @@ public:
     CID() = default;
     /// A source as it stands.
     CID(std::string const& text, Type kind) : value(text), type(kind) {}
+    /// Likewise, with the number of the kind, as it is stored.
+    CID(std::string const& text, int kind) : CID(text, static_cast<Type>(kind)) {}
 
     /// What is named, and how.
     std::string value;

@@ -68,6 +68,13 @@ INSTANTIATE_TEST_SUITE_P(
             ""}),
     [](auto const& row) { return std::string(row.param.rule); });
 
+TEST(CID, IsMadeWithTheNumberOfAKindToo)
+{
+    EXPECT_EQ(CID::TypeUrl, CID("http://a.example/", 2).type);
+    EXPECT_EQ(CID::TypeContentId, CID("<a>", CID::TypeContentId).type);
+    EXPECT_EQ(0, CID("", 0).type);
+}
+
 TEST(ImageProperties, FindsByContentIdInAnyCase)
 {
     ImageProperties properties(5);
@@ -133,6 +140,18 @@ TEST(HtmlImageExtract, AParagraphToldAsANodeIsALineLikeADiv)
         extract.node(BareNode(XML_ELEMENT_NODE, name).node());
         EXPECT_EQ(3, extract.textLineBeforeImag()) << name;
     }
+}
+
+TEST(HtmlImageExtract, ANodeIsNotToldToTheCallForLineBreaks)
+{
+    struct Breaks : HtmlImageExtract {
+        using HtmlImageExtract::HtmlImageExtract;
+        void ignore(xmlNode const*) override { ++calls; }
+        int calls = 0;
+    } extract(nullptr, 0, nullptr);
+    for (char const* name : {"b", "div", "BR"}) extract.node(BareNode(XML_ELEMENT_NODE, name).node());
+    EXPECT_EQ(0, extract.calls);
+    EXPECT_EQ(1, extract.textLineBeforeImag());
 }
 
 TEST(HtmlImageExtract, LinesStopAtTheLargestNumber)
