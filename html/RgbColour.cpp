@@ -130,11 +130,6 @@ CssRgbColour::CssRgbColour(std::string const& text, bool useWhiteIfUnknown)
 
 CssRgbColour::~CssRgbColour() = default;
 
-void CssRgbColour::parse(char const* text, bool useWhiteIfUnknown)
-{
-    if (text) parse(std::string(text), useWhiteIfUnknown);
-}
-
 void CssRgbColour::parse(std::string const& text, bool useWhiteIfUnknown)
 {
     if (text.compare(0, 3, "rgb") != 0) return RgbColour::parse(text.c_str(), useWhiteIfUnknown);

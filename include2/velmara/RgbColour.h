@@ -1,12 +1,16 @@
 #pragma once
 
 #include <string>
+#include <type_traits>
 
 #include <velmara/Export.h>
 
 struct _xmlNode; // libxml2's
 
 namespace Velmara {
+
+#pragma GCC diagnostic push
+#pragma GCC diagnostic ignored "-Woverloaded-virtual" // see CssRgbColour::parse
 
 /// A colour as the attributes of HTML elements state it ("BGCOLOR", "COLOR", "TEXT").
 ///
@@ -49,17 +53,27 @@ public:
 
 /// A colour as a style states it: all that RgbColour reads, and "rgb(r,g,b)" in lower case.
 ///
-/// The numbers are read as far as the commas go: "rgb(1,2)" sets red alone. A "%" is not heeded.
+/// The numbers are read as far as the commas go: "rgb(1,2)" sets red alone. A "%" is not heeded. What is asked
+/// of it as of an RgbColour is read as an attribute states it, for which "rgb(...)" is no colour.
 class VELMARA_EXPORT CssRgbColour : public RgbColour {
 public:
     /// Black, then read from the text.
     CssRgbColour(std::string const& text, bool useWhiteIfUnknown);
     ~CssRgbColour() override;
 
-    using RgbColour::parse;
-    /// The same as for a string, so that a literal is read like one.
-    void parse(char const* text, bool useWhiteIfUnknown) override;
+    /// Reads the text as a style states it.
     virtual void parse(std::string const& text, bool useWhiteIfUnknown);
+    /// Takes the place of RgbColour's two, so that a literal is read as a style. Null changes nothing; a node is
+    /// read as an attribute.
+    template <class Source> void parse(Source const* source, bool useWhiteIfUnknown)
+    {
+        if constexpr (!std::is_same_v<Source, char>)
+            RgbColour::parse(source, useWhiteIfUnknown);
+        else if (source)
+            parse(std::string(source), useWhiteIfUnknown);
+    }
 };
+
+#pragma GCC diagnostic pop
 
 } // namespace Velmara

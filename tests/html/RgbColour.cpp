@@ -187,6 +187,22 @@ TEST(CssRgbColour, ALiteralReadsLikeAString)
     EXPECT_EQ(RgbColour(1, 2, 3), colour);
 }
 
+TEST(CssRgbColour, AsTheColourOfAnAttributeKnowsNoNumbersInBrackets)
+{
+    CssRgbColour colour("black", false);
+    RgbColour& attribute = colour;
+    attribute.parse("rgb(1,2,3)", false);
+    EXPECT_EQ(RgbColour(0, 0, 0), colour);
+    attribute.parse("rgb(1,2,3)", true);
+    EXPECT_EQ(white, colour);
+    std::string red("red"), numbers("rgb(1,2,3)");
+    xmlNode const word = nodeOf(XML_TEXT_NODE, red), brackets = nodeOf(XML_TEXT_NODE, numbers);
+    colour.parse(&word, true);
+    EXPECT_EQ(RgbColour(255, 0, 0), colour);
+    colour.parse(&brackets, true);
+    EXPECT_EQ(white, colour);
+}
+
 struct Contrast {
     char const* rule;
     RgbColour text, background;
