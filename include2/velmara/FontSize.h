@@ -37,9 +37,14 @@ class VELMARA_EXPORT CssFontSize : public FontSize {
 public:
     /// A size that has a name.
     struct TextSize {
+        /// No word, and 0.
+        TextSize() = default;
+        /// A row as it is given.
+        TextSize(std::string const& word, unsigned int value = 0) : name(word), size(value) {}
+
         /// In lower case, and the size that it stands for; rows are ordered by name.
         std::string name;
-        unsigned int size;
+        unsigned int size = 0;
         bool operator<(TextSize const& other) const { return name < other.name; }
     };
 

@@ -127,6 +127,12 @@ TEST(CssFontSize, WordsAreOrderedByBytesTheShorterFirst)
     using TextSize = CssFontSize::TextSize;
     EXPECT_TRUE((TextSize{"a", 2} < TextSize{"ab", 1}));
     EXPECT_TRUE((TextSize{"Z", 2} < TextSize{"a", 1}));
+    TextSize row("a", 9), named;
+    EXPECT_EQ(0u, named.size);
+    named.name = "b";
+    EXPECT_TRUE(row < named);
+    EXPECT_FALSE(named < row);
+    EXPECT_EQ(1u, CssFontSize().sizes().count({"x-large"}));
     EXPECT_FALSE((TextSize{"a", 1} < TextSize{"a", 2}));
 }
 
