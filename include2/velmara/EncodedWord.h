@@ -102,3 +102,9 @@ VELMARA_EXPORT char* vmara_decode_encoded_word(char const* src, void* dst, unsig
 VELMARA_EXPORT char* vmara_to_utf8(char const* src, void* dst, unsigned int size);
 
 } // extern "C"
+
+namespace Velmara {
+using ::vmara_decode_encoded_word;
+using ::vmara_encode_word;
+using ::vmara_to_utf8;
+} // namespace Velmara

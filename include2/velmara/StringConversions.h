@@ -42,3 +42,7 @@ VELMARA_EXPORT std::string vmara_html_encode(std::string const& text);
 /// one with a quoted local part can hold markup, so a page that shows any address escapes it itself.
 extern "C" VELMARA_EXPORT long vmara_emailaddress_get_decoded_html(Velmara::EmailAddress const* address, char* dst,
                                                                    unsigned long size);
+
+namespace Velmara {
+using ::vmara_emailaddress_get_decoded_html;
+} // namespace Velmara

@@ -30,3 +30,9 @@ VELMARA_EXPORT int vmaracnv(cVmaraCnv* handle, char** in, size_t* inLeft, char**
 VELMARA_EXPORT void vmaracnv_close(cVmaraCnv* handle);
 
 } // extern "C"
+
+namespace Velmara {
+using ::vmaracnv;
+using ::vmaracnv_close;
+using ::vmaracnv_open;
+} // namespace Velmara

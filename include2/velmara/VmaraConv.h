@@ -92,3 +92,7 @@ VELMARA_EXPORT std::string utf7imp2utf8(std::string const& name);
 /// NUL, so a shorter name is not terminated at its own end: callers clear `dst` first or use the
 /// result, which is the length of the whole name. With a `dstSize` of 0 or less nothing is written.
 extern "C" VELMARA_EXPORT long vmaral_convert_to_utf7imap(char const* src, char* dst, long dstSize);
+
+namespace Velmara {
+using ::vmaral_convert_to_utf7imap;
+} // namespace Velmara

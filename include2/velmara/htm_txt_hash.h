@@ -24,3 +24,7 @@
 /// and the cost grows with `length` alone. A negative `length` or `capacity` counts as 0. Reentrant.
 extern "C" VELMARA_EXPORT int htm_txt_get_data(char const* data, int length, int mode, char* out, int capacity,
                                                long* written);
+
+namespace Velmara {
+using ::htm_txt_get_data;
+} // namespace Velmara

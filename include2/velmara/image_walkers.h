@@ -34,3 +34,10 @@ VELMARA_EXPORT int process_gif(unsigned char const* data, int size, image_data_c
 /// -2, -3: a chunk is cut.
 VELMARA_EXPORT int process_png(unsigned char const* data, int size, image_data_callback callback, void* context);
 }
+
+namespace Velmara {
+using ::image_data_callback;
+using ::process_gif;
+using ::process_jpg;
+using ::process_png;
+} // namespace Velmara
