@@ -46,7 +46,8 @@ public:
     void maxSize(unsigned int limit) { m_limit = limit; }
     bool isEmpty() const { return m_length == 0; }
 
-    /// The first byte; not null once the buffer has a capacity. Valid until the next change.
+    /// The first byte; not null once the buffer has a capacity. Valid until the next change. Where bytes
+    /// were dropped from the front and some are left, `size()` bytes are there again after `size(size())`.
     unsigned char* data() { return m_bytes + m_start; }
     unsigned char const* data() const { return m_bytes + m_start; }
 

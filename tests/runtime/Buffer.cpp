@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cstring>
 #include <string>
 
 namespace Velmara {
@@ -249,6 +250,16 @@ TEST(Buffer, TheCapacityIsThereAlsoWhereItGrewBackPastTheRoomItOnceHad)
     ASSERT_EQ(120u, buffer.size());
     buffer.fill('z');
     EXPECT_EQ(std::string(120, 'z'), std::string(reinterpret_cast<char const*>(buffer.data()), buffer.size()));
+}
+
+TEST(Buffer, TheCapacityIsThereAgainBehindDroppedBytesOnceItIsSet)
+{
+    Buffer buffer(6, 0);
+    buffer.append(reinterpret_cast<unsigned char const*>("abcdef"), 6u);
+    buffer.shiftLeft(2);
+    buffer.size(buffer.size());
+    std::memset(buffer.data() + buffer.length(), 'z', buffer.size() - buffer.length());
+    EXPECT_EQ("cdefzz", std::string(reinterpret_cast<char const*>(buffer.data()), buffer.size()));
 }
 
 TEST(Buffer, ShiftLeftDropsFromTheFrontAndKeepsTheCapacity)
