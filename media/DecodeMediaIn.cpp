@@ -94,14 +94,22 @@ void DecodeMediaIn::readline(Buffer& line)
 {
     line.length(0);
     if (atEnd()) return;
-    do {
+    for (bool more = true; more;) {
         // What holds no LF goes to the caller at once: a body may be a single line.
         int const lineFeed = m_pending.find('\n', 0);
         uint_t const n = lineFeed < 0 ? m_pending.length() : static_cast<uint_t>(lineFeed) + 1;
         line.append(m_pending.data(), n);
         m_pending.shiftLeft(n);
         if (lineFeed >= 0) return;
-    } while (decodeLine());
+        try {
+            more = decodeLine();
+        } catch (...) {
+            // Who reads again after the failure gets the line whole.
+            m_pending.append(line);
+            line.length(0);
+            throw;
+        }
+    }
 }
 
 void DecodeMediaIn::write(MediaOut& out)

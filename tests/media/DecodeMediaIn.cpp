@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <utility>
+
 #include "support/Collected.h"
 
 namespace Velmara {
@@ -209,6 +211,35 @@ TEST(DecodeMediaIn, ASourceThatIsNeverAtItsEndDoesNotHoldWriteForever)
     MailHeaderMedia header(BufferMediaIn(string("A: =41\n\nbody\n")));
     MediaIn in(new DecodeMediaIn(header, CodecQuotedPrintable()), false);
     EXPECT_EQ("A: A\n", _written(in));
+}
+
+/// Fails once, behind its first line.
+class StumblingIn : public MediaInImpl {
+public:
+    bool atEnd() const override { return m_lines == 2; }
+    int peek() const override { return 'x'; }
+    using MediaInImpl::read;
+    int read(uchar_t*, uint_t) override { return 0; }
+    void readline(Buffer& line) override
+    {
+        line.length(0);
+        if (m_lines == 1 && !std::exchange(m_stumbled, true)) throw Exception("medium", 6, nullptr, 0);
+        if (m_lines < 2) line.append(bytes(m_lines++ == 0 ? "abc=\n" : "def\n"));
+    }
+
+private:
+    int m_lines = 0;
+    bool m_stumbled = false;
+};
+
+TEST(DecodeMediaIn, AFailureWithinALineLosesNothingOfIt)
+{
+    MediaIn in(new DecodeMediaIn(MediaIn(new StumblingIn, false), CodecQuotedPrintable()), false);
+    Buffer line;
+    EXPECT_THROW(in.readline(line), Exception);
+    EXPECT_TRUE(line.isEmpty());
+    EXPECT_EQ("abcdef\n", _line(in));
+    EXPECT_TRUE(in.atEnd());
 }
 
 TEST(DecodeMediaIn, QuotedPrintableGetsLineByLine)
