@@ -119,52 +119,27 @@ private:
     unsigned long m_filePosition = 0; // of the file descriptor
 };
 
+/// Nothing is held back: who looks at the file after a write finds the bytes, and a full disk is told
+/// by the write that met it.
 class FileMediaOutImpl : public MediaOutImpl {
 public:
-    explicit FileMediaOutImpl(std::string const& path)
-        : m_file("FileMediaOut", path, O_WRONLY | O_CREAT | O_TRUNC), m_pending(static_cast<int>(_blockSize), 0)
-    {}
-    ~FileMediaOutImpl() override
-    {
-        // Nobody is left to tell; whoever must know calls end() first.
-        try {
-            flush();
-        } catch (...) { // no memory for an Exception, too
-        }
-    }
+    explicit FileMediaOutImpl(std::string const& path) : m_file("FileMediaOut", path, O_WRONLY | O_CREAT | O_TRUNC) {}
 
     using MediaOutImpl::write;
     void write(uchar_t const* bytes, uint_t n) override
     {
-        if (n > m_pending.size() - m_pending.length()) flush();
-        if (n >= m_pending.size()) {
-            m_file.write(bytes, n);
-            m_written += n;
-        } else {
-            m_pending.append(bytes, n);
-        }
+        m_file.write(bytes, n);
+        m_written += n;
     }
-    void end() override { flush(); }
-    unsigned long tell() const override { return m_written + m_pending.length(); }
+    unsigned long tell() const override { return m_written; }
     void setpos(unsigned long position) override
     {
-        flush();
         m_file.seek(position);
         m_written = position;
     }
 
 private:
-    void flush()
-    {
-        // Emptied first: after a failed write the same bytes must not be tried again.
-        Buffer const pending(m_pending.data(), m_pending.length(), false);
-        m_pending.length(0);
-        m_file.write(pending.data(), pending.length());
-        m_written += pending.length();
-    }
-
     File m_file;
-    Buffer m_pending;
     unsigned long m_written = 0; // position of the file descriptor
 };
 

@@ -113,8 +113,8 @@ public:
     explicit BufferMediaOut(Buffer& target);
 };
 
-/// A sink that writes a file in blocks; what is pending reaches it at `end`, at `setpos` and when the
-/// last handle goes.
+/// A sink that writes a file. Each write is in the file when it returns; who writes many small pieces
+/// gathers them first.
 class VELMARA_EXPORT FileMediaOut : public MediaOut {
 public:
     /// A null handle.
