@@ -15,9 +15,45 @@ namespace Velmara {
 
 namespace {
 
+/// Lines on their way to a file, which they reach in blocks: a system call for each line would take
+/// most of the time.
+class Gathered : public MediaOutImpl {
+public:
+    explicit Gathered(FileMediaOut& out) : m_out(out) {}
+
+    using MediaOutImpl::write;
+    void write(uchar_t const* bytes, uint_t n) override
+    {
+        constexpr uint_t enough = 64 * 1024;
+        m_lines.append(bytes, n);
+        if (m_lines.length() >= enough) pass();
+    }
+
+    void pass()
+    {
+        // Emptied first: after a failed write the same bytes must not be tried again.
+        Buffer const lines(m_lines.data(), m_lines.length(), false);
+        m_lines.length(0);
+        if (!lines.isEmpty()) m_out.write(lines);
+    }
+
+private:
+    FileMediaOut& m_out;
+    Buffer m_lines;
+};
+
 void _write(MediaIn& bytes, FileMediaOut& out)
 {
-    if (!bytes.isNull()) bytes.write(out);
+    if (bytes.isNull()) return;
+    auto* gathered = new Gathered(out);
+    MediaOut sink(gathered, false);
+    try {
+        bytes.write(sink);
+    } catch (...) {
+        gathered->pass();
+        throw;
+    }
+    gathered->pass();
 }
 
 /// A body from its start, if the parser has been past it.

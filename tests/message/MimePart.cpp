@@ -2,12 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <cstdio>
-#include <fstream>
-#include <sstream>
-
-#include <unistd.h>
-
 #include <velmara/ContentEncoding.h>
 #include <velmara/MimePartVisitor.h>
 #include <velmara/Rfc822MsgParser.h>
@@ -15,6 +9,7 @@
 #include "support/HeaderText.h"
 #include "support/Rule.h"
 #include "support/Shape.h"
+#include "support/TemporaryFolder.h"
 
 namespace Velmara {
 namespace {
@@ -26,19 +21,13 @@ std::string multipart(std::string const& boundary, std::string const& text)
 
 std::string const twoParts = multipart("b", "before\n--b\nA: 1\n\none\n--b\n\ntwo\n--b--\nbehind\n");
 
-/// What `write` makes of a part.
+/// What `write` makes of a part. Nobody ends the file or gives it back before it is read.
 std::string written(MimePart& part)
 {
-    std::string const path = testing::TempDir() + "velmara_part_" + std::to_string(::getpid());
-    {
-        FileMediaOut out(path);
-        part.write(out);
-        out.end();
-    }
-    std::stringstream bytes;
-    bytes << std::ifstream(path, std::ios::binary).rdbuf();
-    std::remove(path.c_str());
-    return bytes.str();
+    TemporaryFolder const folder;
+    FileMediaOut out(folder.at("part"));
+    part.write(out);
+    return folder.read("part");
 }
 
 // Kinds.
@@ -516,6 +505,48 @@ TEST(WritingOut, ToANullHandleDoesNotTouchTheParser)
     MimeEpilogue{BufferMediaIn(std::string("text"))}.write(none);
     MediaIn media;
     MimeSkippedPart(HeaderContainer(), nullptr, media, media).write(none);
+}
+
+TEST(WritingOut, ABodyOfManyBlocksComesWhole)
+{
+    std::string text = "A: 1\n\n";
+    for (int i = 0; i < 30000; ++i) text += "line " + std::to_string(i) + "\n";
+    Mail mail(text);
+    EXPECT_EQ(text, written(mail.root()));
+}
+
+/// Three lines and then a failure.
+class FailingText : public MediaInImpl {
+public:
+    bool atEnd() const override { return false; }
+    int peek() const override { return 'x'; }
+    using MediaInImpl::read;
+    int read(uchar_t*, uint_t) override { return 0; }
+    void readline(Buffer& line) override
+    {
+        if (m_lines++ == 3) throw Exception("medium", 6, nullptr, 0);
+        line.length(0);
+        line.append(reinterpret_cast<uchar_t const*>("text\n"), 5u);
+    }
+
+private:
+    int m_lines = 0;
+};
+
+TEST(WritingOut, WhatCameBeforeAFailureOfTheSourceIsInTheFile)
+{
+    TemporaryFolder const folder;
+    FileMediaOut out(folder.at("part"));
+    MimePreamble preamble{MediaIn(new FailingText, false)};
+    EXPECT_THROW(preamble.write(out), Exception);
+    EXPECT_EQ("text\ntext\ntext\n", folder.read("part"));
+}
+
+TEST(WritingOut, AFullDiskIsTold)
+{
+    Mail mail(wellFormed);
+    FileMediaOut out("/dev/full");
+    EXPECT_THROW(mail.root().write(out), Exception);
 }
 
 TEST(WritingOut, PartsWithoutASourceWriteNothing)
