@@ -49,6 +49,7 @@ public:
 
     /// The header block with its empty line; of a preamble or epilogue the text.
     MediaIn& source() { return m_source; }
+    MediaIn const& source() const { return m_source; }
     void source(MediaIn& in) { m_source = in; }
     HeaderContainer& headers() { return m_headers; }
     HeaderContainer const& headers() const { return m_headers; }

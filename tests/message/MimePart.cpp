@@ -93,6 +93,16 @@ TEST(MimePart, TheSourceCanBeReplaced)
     EXPECT_EQ("text\n", textOf(part.body(true)));
 }
 
+TEST(MimePart, OneThatMayOnlyBeLookedAtShowsItsSource)
+{
+    MediaIn media = BufferMediaIn(std::string("text"));
+    MimePreamble const part(media);
+    MediaIn copy = part.source();
+    std::string text;
+    copy.read(text);
+    EXPECT_EQ("text", text);
+}
+
 TEST(MimePart, HeadersAreSharedWithTheGivenContainer)
 {
     HeaderContainer headers;
