@@ -23,7 +23,8 @@ SECONDS = 20 * 60
 
 # Preset and longest input of the turns that a target goes through again and again. Most are short, for the number of
 # inputs; some trace what is compared with what, and some are long enough for what no short input reaches.
-TURNS = [("fuzz", 200)] + [("fuzz-bulk", 40)] * 3 + [("fuzz", 1000)] + [("fuzz-bulk", 40)] * 3
+BULK = ("fuzz-bulk", 40)
+TURNS = [("fuzz", 200)] + [BULK] * 3 + [("fuzz", 1000)] + [BULK] * 3
 
 # Speed is what the bulk is for: a call stack with each block would take a fifth of it, and choosing inputs by how rare
 # is what they reach, up to a half.
@@ -60,9 +61,8 @@ def stored_inputs(target):
     return [folder] + ([seeds] if seeds.is_dir() else [])
 
 
-def turn(target, number):
+def turn(target, preset, longest):
     """A minute of one target, noted; false if it found something."""
-    preset, longest = TURNS[number % len(TURNS)]
     corpus, log = CORPUS / target, CORPUS / f"{target}.log"
     corpus.mkdir(parents=True, exist_ok=True)
     dictionary = pathlib.Path("fuzz") / f"{target}.dict"
@@ -91,7 +91,8 @@ def run(target):
         if inputs >= INPUTS and seconds >= SECONDS:
             print(f"{target}: {inputs} inputs, {seconds:.0f} s, nothing found", flush=True)
             return True
-        if not turn(target, turns):
+        # A slow target that has had its time lacks nothing but the number.
+        if not turn(target, *(TURNS[turns % len(TURNS)] if seconds < SECONDS else BULK)):
             return False
 
 
