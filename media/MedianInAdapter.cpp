@@ -32,7 +32,7 @@ int MedianInAdapterImpl::read(Buffer& block, uint_t n)
     block.length(0);
     block.append(m_pending.data(), n);
     m_pending.shiftLeft(n);
-    return static_cast<int>(n);
+    return static_cast<int>(block.length());
 }
 
 int MedianInAdapterImpl::read(Buffer& all)

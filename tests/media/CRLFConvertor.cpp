@@ -113,6 +113,17 @@ TEST(CRLFConvertor, AllBlockReadsShareTheBytesThatWait)
     EXPECT_EQ("", _block(in, 1) + _block(second, 1));
 }
 
+TEST(CRLFConvertor, ABlockThatTakesLessThanIsAskedForTellsWhatItHolds)
+{
+    BufferMediaIn source(string("abcd\nefgh\n"));
+    CRLFConvertor in(source, CRLFConvertor::ToLF);
+    Buffer block(8, 0);
+    block.maxSize(3);
+    EXPECT_EQ(3, in.read(block, 6));
+    EXPECT_EQ("abc", string(reinterpret_cast<char const*>(block.data()), block.length()));
+    EXPECT_EQ("fgh\n", _block(in, 6)) << "what found no room is lost, as with any stream";
+}
+
 TEST(CRLFConvertor, ALineReadSkipsWhatABlockReadHasKept)
 {
     BufferMediaIn source(string("abcd\nefgh\n"));
