@@ -38,11 +38,17 @@ void colours(std::string const& text, xmlNode const& node)
     require(again == style);
 }
 
+/// The one way to a size of 0: "+-3" at a size of 3.
+bool addsUpToNothing(std::string const& text, unsigned current)
+{
+    return text[0] == '+' && std::strtol(text.c_str() + 1, nullptr, 10) == -static_cast<long>(current);
+}
+
 void sizes(std::string const& text, xmlNode const& node, unsigned current)
 {
     FontSize attribute;
     attribute.parse(&node, current);
-    require(attribute.size() <= 7 && (attribute.size() >= 1 || current == 0));
+    require(attribute.size() <= 7 && (attribute.size() >= 1 || addsUpToNothing(text, current)));
     CssFontSize style;
     style.parse(text, current);
     require(style.size() <= 7);

@@ -20,8 +20,8 @@ public:
     virtual ~FontSize();
 
     /// Reads the content of a text node against the current size: "+2" and "-2" are relative, any
-    /// other text is the number at its start. The result is 1 to 7, 1 where no number stands. Any
-    /// other node, or none, changes nothing.
+    /// other text is the number at its start. The result is 1 to 7, 1 where no number stands, but for a
+    /// "+" that adds up to 0, as "+-3" does at a size of 3. Any other node, or none, changes nothing.
     virtual void parse(_xmlNode const* text, unsigned int current);
 
     /// 0 to 7.
