@@ -227,21 +227,34 @@ TEST(AddressHeaders, TheirBaseReadsAHeaderOfAnyName)
     sender = Header("Sender", "k@b.example");
     EXPECT_EQ("Sender: k@b.example", sender.asString());
     EXPECT_EQ("k@b.example", sender.address().address());
+    EXPECT_EQ("k@b.example", HeaderWithEmailAddressBase(Header("Sender", "k@b.example")).address().address());
     EXPECT_EQ("j@a.example", HeaderWithEmailAddressBase("j@a.example").address().address());
 
     HeaderWithEmailAddressListBase recipients(Header("Bcc", "j@a.example, k@b.example"));
     EXPECT_EQ((Texts{"j@a.example", "k@b.example"}), textsOf(recipients.addresses()));
+    EXPECT_EQ(Texts{"j@a.example"}, textsOf(HeaderWithEmailAddressListBase("j@a.example").addresses()));
     recipients = Header();
     EXPECT_TRUE(recipients.isNull());
 
     Rfc2369ListHeaderBase list(HeaderListHelp("<http://a.example/>"));
     list = Header("List-Other", "<http://b.example/>");
     EXPECT_EQ(Texts{"http://b.example/"}, textsOf(list.uris()));
+    EXPECT_EQ(Texts{"http://b.example/"}, textsOf(Rfc2369ListHeaderBase("<http://b.example/>").uris()));
+}
+
+TEST(AddressHeaders, TheirBaseTakesNameAndValueOfWhatIsAssigned)
+{
+    HeaderWithEmailAddressBase sender("j@a.example");
+    sender.assign(Header("Sender", "k@b.example"));
+    EXPECT_EQ("Sender: k@b.example", sender.asString());
+    EXPECT_EQ("k@b.example", sender.address().address());
 }
 
 TEST(AddressHeaders, TheirBaseIsNullAtFirst)
 {
     EXPECT_THROW(HeaderWithEmailAddressBase().address(), HeaderException);
+    EXPECT_THROW(HeaderWithEmailAddressBase("").address(), HeaderException);
+    EXPECT_THROW(Rfc2369ListHeaderBase("").uris(), HeaderException);
     EXPECT_THROW(HeaderWithEmailAddressListBase("").addresses(), HeaderException);
     EXPECT_THROW(Rfc2369ListHeaderBase(Header()).uris(), HeaderException);
 }
